@@ -1,0 +1,62 @@
+#include "Migraciones.h"
+
+#include "Esquema.h"
+#include "Idempotencia.h"
+
+namespace cajaplex::servidor {
+
+using protocolo::Parametro;
+using protocolo::Tipo;
+
+namespace {
+int64_t entero(const Resultado& r) {
+    if (r.filas.empty()) return 0;
+    if (auto* v = std::get_if<int64_t>(&r.filas[0][0])) return *v;
+    return 0;
+}
+
+// Corre trabajo en una transacción de escritura; si falla, no queda nada a medias.
+template <typename F> void enTransaccion(Conexion& c, F&& trabajo) {
+    c.comienza();
+    try {
+        trabajo();
+        c.confirma();
+    } catch (...) {
+        c.revierte();
+        throw;
+    }
+}
+} // namespace
+
+int preparaBase(Conexion& c, bool cargarDemo, int hasta) {
+    c.ejecutaGuion(std::string("CREATE TABLE IF NOT EXISTS ") + TablaVersionEsquema +
+                   " (version INTEGER PRIMARY KEY, nombre TEXT NOT NULL,"
+                   "  aplicada TEXT NOT NULL DEFAULT (datetime('now','localtime')));"
+                   "CREATE TABLE IF NOT EXISTS " +
+                   TablaIdempotencia +
+                   " (clave TEXT PRIMARY KEY, huella TEXT NOT NULL, respuesta TEXT NOT NULL,"
+                   "  creada INTEGER NOT NULL);");
+    int version = static_cast<int>(entero(c.ejecutaInterna(
+        std::string("Select ifnull(max(version), 0) From ") + TablaVersionEsquema)));
+    for (const auto& m : esquema::migraciones()) {
+        if (m.version <= version || m.version > hasta) continue;
+        enTransaccion(c, [&] {
+            c.ejecutaGuion(m.sql);
+            c.ejecutaInterna(std::string("Insert Into ") + TablaVersionEsquema +
+                                 " (version, nombre) Values (:version, :nombre)",
+                             {Parametro{"version", Tipo::Entero, int64_t{m.version}, {}},
+                              Parametro{"nombre", Tipo::Texto, std::string(m.nombre), {}}});
+        });
+        version = m.version;
+    }
+    if (cargarDemo) {
+        enTransaccion(c, [&] {
+            if (entero(c.ejecutaInterna("Select count(*) From Empresa")) == 0)
+                c.ejecutaGuion(esquema::datosDemo());
+        });
+    }
+    enTransaccion(c, [&] { purgaIdempotencia(c); });
+    return version;
+}
+
+} // namespace cajaplex::servidor

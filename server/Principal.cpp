@@ -1,0 +1,132 @@
+// cajaplex-servidor: la base de datos de Cajaplex servida como SQL sobre HTTP.
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <pthread.h>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+#include "Migraciones.h"
+#include "MotorSqlite.h"
+#include "Servicio.h"
+#include "ServidorHttp.h"
+
+using namespace cajaplex::servidor;
+
+namespace {
+
+struct Opciones {
+    std::string datos;
+    std::string direccion = "127.0.0.1";
+    int puerto = 8080;
+    bool demo = false;
+};
+
+[[noreturn]] void uso(const std::string& problema) {
+    std::cerr << problema << "\n"
+              << "Uso: cajaplex-servidor --datos DIR [--direccion 127.0.0.1] [--puerto 8080] "
+                 "[--demo]\n";
+    std::exit(2);
+}
+
+Opciones leeOpciones(int argc, char** argv) {
+    Opciones o;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        auto siguiente = [&]() -> std::string {
+            if (i + 1 >= argc) uso("Falta el valor de " + arg);
+            return argv[++i];
+        };
+        if (arg == "--datos")
+            o.datos = siguiente();
+        else if (arg == "--direccion")
+            o.direccion = siguiente();
+        else if (arg == "--puerto") {
+            const std::string valor = siguiente();
+            char* fin = nullptr;
+            long p = std::strtol(valor.c_str(), &fin, 10);
+            if (*fin != '\0' || p < 0 || p > 65535) uso("Puerto no válido: " + valor);
+            o.puerto = static_cast<int>(p);
+        } else if (arg == "--demo")
+            o.demo = true;
+        else
+            uso("Opción desconocida: " + arg);
+    }
+    if (o.datos.empty()) uso("Falta --datos DIR");
+    return o;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Opciones opciones = leeOpciones(argc, argv);
+
+    OpcionesHttp http;
+    http.direccion = opciones.direccion;
+    if (opciones.demo) {
+        http.usuario = "cajaplex";
+        http.contrasena = "cajaplex";
+        std::cout << "Modo demostración: credenciales del servicio cajaplex / cajaplex"
+                  << std::endl;
+    } else {
+        const char* usuario = std::getenv("CAJAPLEX_USUARIO");
+        const char* contrasena = std::getenv("CAJAPLEX_CONTRASENA");
+        if (!usuario || !*usuario || !contrasena || !*contrasena) {
+            std::cerr << "Defina CAJAPLEX_USUARIO y CAJAPLEX_CONTRASENA (o use --demo)\n";
+            return 2;
+        }
+        http.usuario = usuario;
+        http.contrasena = contrasena;
+    }
+
+    // Las señales se esperan en un hilo propio; ningún otro hilo las recibe.
+    sigset_t senales;
+    sigemptyset(&senales);
+    sigaddset(&senales, SIGINT);
+    sigaddset(&senales, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &senales, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+
+    std::error_code ec;
+    std::filesystem::create_directories(opciones.datos, ec);
+    MotorSqlite motor({(std::filesystem::path(opciones.datos) / "cajaplex.db").string()});
+    try {
+        auto conexion = motor.abreConexion();
+        preparaBase(*conexion, opciones.demo);
+    } catch (const std::exception& e) {
+        std::cerr << "No se pudo preparar la base de datos: " << e.what() << "\n";
+        return 1;
+    }
+
+    Servicio servicio(motor, TiemposTransaccion{});
+    http.puerto = opciones.puerto;
+    ServidorHttp servidor(servicio, http);
+    const int puerto = servidor.abre();
+    if (puerto <= 0) {
+        std::cerr << "No se pudo abrir " << opciones.direccion << ":" << opciones.puerto << "\n";
+        return 1;
+    }
+
+    // Al recibir la señal: deja de aceptar, espera lo que está en curso, revierte lo abierto y
+    // cierra la base. No se espera a las conexiones keep-alive ociosas: sus hilos quedarían
+    // hasta 15 s esperando una solicitud que ya no llegará.
+    std::thread vigiaSenales([&] {
+        int senal = 0;
+        sigwait(&senales, &senal);
+        servidor.detiene();
+        servicio.detiene(std::chrono::seconds(20));
+        std::cout << "Servicio detenido" << std::endl;
+        std::_Exit(0);
+    });
+    vigiaSenales.detach();
+
+    std::cout << "Escuchando en http://" << opciones.direccion << ":" << puerto << std::endl;
+    servidor.atiende();
+    // Solo se llega aquí si el servidor dejó de escuchar sin señal: el hilo de señales termina.
+    std::raise(SIGTERM);
+    pause();
+    return 0;
+}

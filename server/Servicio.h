@@ -1,0 +1,61 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+
+#include "CerrojoEscritor.h"
+#include "Motor.h"
+#include "PoolConexiones.h"
+#include "Transacciones.h"
+
+namespace cajaplex::servidor {
+
+// Lo que el frente HTTP entrega de una solicitud, ya autenticada.
+struct Solicitud {
+    std::string ruta;
+    std::string cuerpo;
+    std::string transaccion;  // encabezado X-Transaccion
+    std::string idempotencia; // encabezado Idempotencia
+    bool traeIdempotencia = false;
+};
+
+struct Respuesta {
+    int estado = 200;
+    std::string cuerpo; // JSON
+};
+
+// Las operaciones del protocolo, sin HTTP: cada una contesta un JSON, de éxito o de error.
+class Servicio {
+public:
+    Servicio(Motor& motor, TiemposTransaccion tiempos);
+
+    Respuesta sentencia(const Solicitud& s);
+    Respuesta lote(const Solicitud& s);
+    Respuesta comienzaTransaccion();
+    Respuesta confirmaTransaccion(const std::string& id, const Solicitud& s);
+    Respuesta revierteTransaccion(const std::string& id);
+
+    // Deja de aceptar trabajo nuevo (503), espera lo que está en curso hasta "espera", revierte
+    // las transacciones abiertas y cierra las conexiones libres.
+    void detiene(std::chrono::milliseconds espera);
+
+private:
+    Respuesta loteEnTransaccion(const Solicitud& s);
+    Respuesta loteConTransaccionPropia(const Solicitud& s);
+    template <typename F> Respuesta atiende(F&& trabajo);
+
+    PoolConexiones pool_;
+    CerrojoEscritor escritor_;
+    TiemposTransaccion tiempos_;
+    Transacciones transacciones_;
+    std::atomic<long long> ultimaPurga_;
+    std::mutex mEnCurso_;
+    std::condition_variable cvEnCurso_;
+    int enCurso_ = 0;
+    bool deteniendo_ = false;
+};
+
+} // namespace cajaplex::servidor
