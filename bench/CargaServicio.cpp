@@ -3,15 +3,12 @@
 // razón. Solo imprime cifras: nunca falla por tiempos.
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <latch>
 #include <memory>
@@ -22,23 +19,21 @@
 #include <thread>
 #include <vector>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/vfs.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <httplib.h>
 
 #include "Migraciones.h"
 #include "MotorSqlite.h"
 #include "Protocolo.h"
-
-extern char** environ;
+#include "ServicioLanzado.h"
 
 namespace {
 
+using cajaplex::carga::CarpetaTemporal;
+using cajaplex::carga::Credenciales;
+using cajaplex::carga::leeProceso;
+using cajaplex::carga::Proceso;
+using cajaplex::carga::ServicioLanzado;
+using cajaplex::carga::tipoDeDisco;
 namespace fs = std::filesystem;
 using cajaplex::protocolo::Parametro;
 using cajaplex::protocolo::Referencia;
@@ -104,11 +99,6 @@ public:
     virtual void comienza() = 0;
     virtual void confirma() = 0;
     virtual void revierte() noexcept = 0;
-};
-
-struct Credenciales {
-    std::string usuario;
-    std::string contrasena;
 };
 
 class EstacionHttp final : public Estacion {
@@ -482,161 +472,6 @@ Medicion mide(int estaciones, std::chrono::milliseconds duracion, const Fabrica&
     return m;
 }
 
-// ---- El servicio como proceso hijo ----
-
-class ServicioLanzado {
-public:
-    ServicioLanzado(const fs::path& datos, const Credenciales& c) {
-        int tubo[2];
-        if (pipe2(tubo, O_CLOEXEC) != 0) throw std::runtime_error("pipe2 falló");
-        std::vector<std::string> args = {CAJAPLEX_SERVIDOR_RUTA,
-                                         "--datos",
-                                         datos.string(),
-                                         "--direccion",
-                                         "127.0.0.1",
-                                         "--puerto",
-                                         "0"};
-        std::vector<std::string> entorno;
-        for (char** e = environ; *e; ++e) {
-            std::string v = *e;
-            if (!v.starts_with("CAJAPLEX_USUARIO=") && !v.starts_with("CAJAPLEX_CONTRASENA="))
-                entorno.push_back(std::move(v));
-        }
-        entorno.push_back("CAJAPLEX_USUARIO=" + c.usuario);
-        entorno.push_back("CAJAPLEX_CONTRASENA=" + c.contrasena);
-        auto punteros = [](std::vector<std::string>& v) {
-            std::vector<char*> p;
-            for (auto& s : v)
-                p.push_back(s.data());
-            p.push_back(nullptr);
-            return p;
-        };
-        auto argv = punteros(args);
-        auto envp = punteros(entorno);
-        posix_spawn_file_actions_t acciones;
-        posix_spawn_file_actions_init(&acciones);
-        posix_spawn_file_actions_adddup2(&acciones, tubo[1], STDOUT_FILENO);
-        const int error = posix_spawn(&pid_, argv[0], &acciones, nullptr, argv.data(), envp.data());
-        posix_spawn_file_actions_destroy(&acciones);
-        close(tubo[1]);
-        salida_ = tubo[0];
-        if (error != 0) {
-            pid_ = -1;
-            throw std::runtime_error(std::string("no se pudo ejecutar ") + CAJAPLEX_SERVIDOR_RUTA);
-        }
-        puerto_ = esperaPuerto();
-    }
-
-    ~ServicioLanzado() { detiene(); }
-    ServicioLanzado(const ServicioLanzado&) = delete;
-    ServicioLanzado& operator=(const ServicioLanzado&) = delete;
-
-    int puerto() const { return puerto_; }
-    pid_t pid() const { return pid_; }
-
-    void detiene() {
-        if (pid_ > 0) {
-            kill(pid_, SIGTERM);
-            int estado = 0;
-            const auto limite = Reloj::now() + std::chrono::seconds(20);
-            while (waitpid(pid_, &estado, WNOHANG) == 0) {
-                if (Reloj::now() > limite) {
-                    kill(pid_, SIGKILL);
-                    waitpid(pid_, &estado, 0);
-                    break;
-                }
-                std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            }
-            pid_ = -1;
-        }
-        if (salida_ >= 0) close(salida_);
-        salida_ = -1;
-    }
-
-private:
-    // Lee la salida hasta «Escuchando en http://ADDR:PORT»; el tubo queda abierto después.
-    int esperaPuerto() {
-        const std::string marca = "Escuchando en http://";
-        const auto limite = Reloj::now() + std::chrono::seconds(30);
-        std::string leido;
-        while (Reloj::now() < limite) {
-            pollfd p{salida_, POLLIN, 0};
-            if (poll(&p, 1, 200) < 0 && errno != EINTR) break;
-            if (p.revents == 0) continue;
-            char bufer[512];
-            const ssize_t n = read(salida_, bufer, sizeof bufer);
-            if (n <= 0) break;
-            leido.append(bufer, static_cast<size_t>(n));
-            const auto pos = leido.find(marca);
-            if (pos == std::string::npos) continue;
-            const auto fin = leido.find('\n', pos);
-            if (fin == std::string::npos) continue;
-            const std::string direccion =
-                leido.substr(pos + marca.size(), fin - pos - marca.size());
-            return std::stoi(direccion.substr(direccion.rfind(':') + 1));
-        }
-        detiene();
-        throw std::runtime_error("el servicio no anunció su puerto; dijo: " + leido);
-    }
-
-    pid_t pid_ = -1;
-    int salida_ = -1;
-    int puerto_ = 0;
-};
-
-struct Memoria {
-    double rssMb = 0, hwmMb = 0;
-};
-
-Memoria memoriaDe(pid_t pid) {
-    Memoria m;
-    std::ifstream estado("/proc/" + std::to_string(pid) + "/status");
-    std::string linea;
-    while (std::getline(estado, linea)) {
-        auto valor = [&] {
-            return std::strtod(linea.c_str() + linea.find(':') + 1, nullptr) / 1024;
-        };
-        if (linea.starts_with("VmRSS:"))
-            m.rssMb = valor();
-        else if (linea.starts_with("VmHWM:"))
-            m.hwmMb = valor();
-    }
-    return m;
-}
-
-std::string sistemaDeArchivos(const fs::path& p) {
-    struct statfs s {};
-    if (statfs(p.c_str(), &s) != 0) return "?";
-    switch (static_cast<unsigned long>(s.f_type)) {
-    case 0xEF53:
-        return "ext4";
-    case 0x01021994:
-        return "tmpfs (sin disco: fsync no cuesta)";
-    case 0x58465342:
-        return "xfs";
-    case 0x9123683E:
-        return "btrfs";
-    case 0x794C7630:
-        return "overlay";
-    default:
-        return "otro";
-    }
-}
-
-// La carpeta temporal se borra pase lo que pase.
-struct CarpetaTemporal {
-    fs::path ruta;
-    CarpetaTemporal() {
-        std::string plantilla = (fs::temp_directory_path() / "cajaplex-carga-XXXXXX").string();
-        if (!mkdtemp(plantilla.data())) throw std::runtime_error("mkdtemp falló");
-        ruta = plantilla;
-    }
-    ~CarpetaTemporal() {
-        std::error_code ec;
-        fs::remove_all(ruta, ec);
-    }
-};
-
 // printf rellena por bytes; los acentos ocupan dos y descuadran la tabla.
 std::string ajusta(std::string_view texto, size_t ancho) {
     const auto letras = static_cast<size_t>(
@@ -644,12 +479,13 @@ std::string ajusta(std::string_view texto, size_t ancho) {
     return std::string(texto) + std::string(ancho > letras ? ancho - letras : 0, ' ');
 }
 
-void fila(const char* escenario, int estaciones, const Medicion& s, const Medicion& l,
-          const Memoria& mem) {
+void fila(const char* escenario, int estaciones, const Medicion& s, double cpuPorOp,
+          const Medicion& l, const Proceso& mem) {
     const double razon = s.porSegundo > 0 ? l.porSegundo / s.porSegundo : 0;
-    std::printf("%s %4d | %9.0f %7.2f %7.2f %6zu | %9.0f %7.2f %7.2f %6zu | %6.1fx | %7.1f %7.1f\n",
+    std::printf("%s %4d | %9.0f %7.2f %7.2f %6zu %8.0f | %9.0f %7.2f %7.2f %6zu | %6.1fx | %7.1f "
+                "%7.1f\n",
                 ajusta(escenario, 22).c_str(), estaciones, s.porSegundo, s.p50, s.p99, s.errores,
-                l.porSegundo, l.p50, l.p99, l.errores, razon, mem.rssMb, mem.hwmMb);
+                cpuPorOp, l.porSegundo, l.p50, l.p99, l.errores, razon, mem.rssMb, mem.hwmMb);
     std::fflush(stdout);
     if (!s.primerError.empty())
         std::fprintf(stderr, "  servicio, primer error: %s\n", s.primerError.c_str());
@@ -657,22 +493,7 @@ void fila(const char* escenario, int estaciones, const Medicion& s, const Medici
         std::fprintf(stderr, "  local, primer error: %s\n", l.primerError.c_str());
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    int segundos = 5;
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (arg == "--segundos" && i + 1 < argc) {
-            segundos = std::atoi(argv[++i]);
-        } else {
-            std::fprintf(stderr, "Uso: cajaplex-carga [--segundos N]  (N de 1 a 120, 5 si no)\n");
-            return 2;
-        }
-    }
-    segundos = std::clamp(segundos, 1, 120);
-    std::signal(SIGPIPE, SIG_IGN);
-
+int corre(int segundos) {
     std::random_device azar;
     const Credenciales cred{"carga", std::to_string(azar()) + std::to_string(azar())};
     CarpetaTemporal carpeta;
@@ -722,41 +543,85 @@ int main(int argc, char** argv) {
          [](Estacion& e, std::mt19937_64& g) { ventaInteractiva(e, nuevaVenta(g)); }}};
 
     std::printf("cajaplex-carga: %d s por medición, %d productos, %u CPU, datos en %s\n", segundos,
-                Productos, std::thread::hardware_concurrency(),
-                sistemaDeArchivos(carpeta.ruta).c_str());
+                Productos, std::thread::hardware_concurrency(), tipoDeDisco(carpeta.ruta));
     std::printf("Servicio: pid %d, puerto %d. Local: la biblioteca del servicio sobre SQLite "
                 "(WAL, synchronous=FULL), mismos hilos.\n\n",
                 servicio->pid(), servicio->puerto());
-    std::printf("%-22s %4s | %-32s | %-32s | %7s | %s\n", "", "", "Servicio por HTTP",
+    std::printf("%-22s %4s | %-41s | %-32s | %7s | %s\n", "", "", "Servicio por HTTP",
                 "SQLite en proceso", "Local/", "Memoria serv. MB");
-    std::printf("%-22s %4s | %9s %7s %7s %6s | %9s %7s %7s %6s | %7s | %7s %7s\n", "Escenario",
-                "Est.", "ops/s", "p50 ms", "p99 ms", "errs", "ops/s", "p50 ms", "p99 ms", "errs",
-                "serv.", "VmRSS", "VmHWM");
-    std::printf("%s\n", std::string(125, '-').c_str());
+    // "µs CPU" lleva un carácter de dos bytes: su ancho de printf es uno más.
+    std::printf("%-22s %4s | %9s %7s %7s %6s %9s | %9s %7s %7s %6s | %7s | %7s %7s\n", "Escenario",
+                "Est.", "ops/s", "p50 ms", "p99 ms", "errs", "µs CPU", "ops/s", "p50 ms", "p99 ms",
+                "errs", "serv.", "VmRSS", "VmHWM");
+    std::printf("%s\n", std::string(134, '-').c_str());
 
     const auto duracion = std::chrono::milliseconds(segundos * 1000);
     Medicion busca16, lote16;
     double picoMemoria = 0;
+    size_t ventasServicio = 0, ventasLocal = 0;
     for (size_t e = 0; e < escenarios.size(); ++e) {
         for (int n : {1, 4, 16}) {
+            const double cpuAntes = leeProceso(servicio->pid()).cpuSeg;
             const Medicion s = mide(n, duracion, http, escenarios[e].operacion);
-            const Memoria mem = memoriaDe(servicio->pid());
+            const Proceso mem = leeProceso(servicio->pid());
+            const double cpuPorOp =
+                s.ops > 0 ? (mem.cpuSeg - cpuAntes) * 1e6 / static_cast<double>(s.ops) : 0;
             const Medicion l = mide(n, duracion, enProceso, escenarios[e].operacion);
-            fila(escenarios[e].nombre, n, s, l, mem);
+            fila(escenarios[e].nombre, n, s, cpuPorOp, l, mem);
             picoMemoria = std::max(picoMemoria, mem.hwmMb);
             if (n == 16 && e == 0) busca16 = s;
             if (n == 16 && e == 1) lote16 = s;
+            if (e > 0) ventasServicio += s.ops, ventasLocal += l.ops;
         }
+    }
+
+    // Cada venta contestada con éxito debe estar escrita una vez: una repetición por
+    // idempotencia o un folio perdido se notan aquí.
+    const Sentencia cuenta{"Select count(*) as n From Remision Where empresaID = :EmpresaID",
+                           {entero("EmpresaID", EmpresaID)}};
+    try {
+        std::printf("\nVentas escritas: servicio %lld de %zu contestadas, local %lld de %zu\n",
+                    static_cast<long long>(primerEntero(http()->consulta(cuenta))), ventasServicio,
+                    static_cast<long long>(primerEntero(enProceso()->consulta(cuenta))),
+                    ventasLocal);
+    } catch (const std::exception& ex) {
+        std::printf("\nNo se pudieron contar las ventas escritas: %s\n", ex.what());
     }
 
     auto si = [](bool b) { return b ? "SÍ" : "NO"; };
     const bool metaBusca = busca16.porSegundo >= 5000 && busca16.p99 <= 5 && busca16.errores == 0;
     const bool metaLote = lote16.porSegundo >= 200 && lote16.p99 <= 50 && lote16.errores == 0;
-    std::printf("\nMetas (informativas): búsquedas a 16 est. >= 5000/s y p99 <= 5 ms: %s "
+    std::printf("µs CPU: tiempo de CPU del servicio (usuario + sistema) por operación. "
+                "Local/serv.: ops/s en proceso entre ops/s del servicio.\n");
+    std::printf("Metas (informativas): búsquedas a 16 est. >= 5000/s y p99 <= 5 ms: %s "
                 "(%.0f/s, %.2f ms); ventas en lote a 16 est. >= 200/s y p99 <= 50 ms: %s "
                 "(%.0f/s, %.2f ms); memoria del servicio < 200 MB: %s (pico VmHWM %.1f MB)\n",
                 si(metaBusca), busca16.porSegundo, busca16.p99, si(metaLote), lote16.porSegundo,
                 lote16.p99, si(picoMemoria < 200), picoMemoria);
-    servicio->detiene();
+    // El protocolo pide salir con 0 ante SIGTERM; si no, se avisa (la medición ya se hizo).
+    if (const int codigo = servicio->detiene(); codigo != 0)
+        std::fprintf(stderr, "Aviso: el servicio terminó con código %d tras SIGTERM\n", codigo);
     return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int segundos = 5;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "--segundos" && i + 1 < argc) {
+            segundos = std::atoi(argv[++i]);
+        } else {
+            std::fprintf(stderr, "Uso: cajaplex-carga [--segundos N]  (N de 1 a 120, 5 si no)\n");
+            return 2;
+        }
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return corre(std::clamp(segundos, 1, 120));
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "cajaplex-carga: %s\n", e.what());
+        return 1;
+    }
 }
