@@ -1,65 +1,54 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <mutex>
-#include <vector>
 
 namespace cajaplex::servidor {
 
 // El único escritor de la base. A diferencia de un mutex, lo puede soltar otro hilo: una
-// transacción interactiva lo toma en una solicitud y lo suelta en otra. Esperar aquí, en orden
-// de llegada, evita los reintentos a ciegas del bloqueo de SQLite.
+// transacción interactiva lo toma en una solicitud y lo suelta en otra. Se entrega en orden de
+// llegada y se despierta solo al siguiente de la fila, sin los reintentos a ciegas del bloqueo
+// de SQLite ni el despertar de todos los que esperan.
 class CerrojoEscritor {
 public:
     bool toma(std::chrono::milliseconds espera) {
         std::unique_lock lock(m_);
-        const unsigned long long turno = siguiente_++;
-        bool libre = cv_.wait_for(lock, espera, [&] { return !ocupado_ && atendido_ == turno; });
-        if (!libre) {
-            // Se cede el turno para no detener a los que esperan detrás.
-            cedidos_.push_back(turno);
-            avanza();
-            cv_.notify_all();
-            return false;
+        if (!ocupado_ && fila_.empty()) {
+            ocupado_ = true;
+            return true;
         }
-        ocupado_ = true;
-        ++atendido_;
-        avanza();
-        return true;
+        Turno turno;
+        fila_.push_back(&turno);
+        if (turno.cv.wait_for(lock, espera, [&] { return turno.concedido; })) return true;
+        fila_.erase(std::find(fila_.begin(), fila_.end(), &turno));
+        return false;
     }
 
+    // Pasa el escritor al siguiente de la fila (sigue ocupado) o lo deja libre.
     void suelta() {
-        {
-            std::lock_guard lock(m_);
+        std::lock_guard lock(m_);
+        if (fila_.empty()) {
             ocupado_ = false;
+            return;
         }
-        cv_.notify_all();
+        Turno* siguiente = fila_.front();
+        fila_.pop_front();
+        siguiente->concedido = true;
+        siguiente->cv.notify_one();
     }
 
 private:
-    // Salta los turnos de quienes ya se fueron por tiempo.
-    void avanza() {
-        bool movido = true;
-        while (movido) {
-            movido = false;
-            for (auto it = cedidos_.begin(); it != cedidos_.end(); ++it) {
-                if (*it == atendido_) {
-                    ++atendido_;
-                    cedidos_.erase(it);
-                    movido = true;
-                    break;
-                }
-            }
-        }
-    }
+    struct Turno {
+        std::condition_variable cv;
+        bool concedido = false;
+    };
 
     std::mutex m_;
-    std::condition_variable cv_;
     bool ocupado_ = false;
-    unsigned long long siguiente_ = 0;
-    unsigned long long atendido_ = 0;
-    std::vector<unsigned long long> cedidos_;
+    std::deque<Turno*> fila_;
 };
 
 // Toma el escritor por un ámbito.
