@@ -242,15 +242,7 @@ private:
         }
     }
 
-    void controla(const std::string& sql) {
-        Confianza c(*this);
-        char* error = nullptr;
-        if (sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, &error) != SQLITE_OK) {
-            std::string mensaje = error ? error : "error desconocido";
-            sqlite3_free(error);
-            throw errorDeSqlite(sqlite3_extended_errcode(db_), mensaje);
-        }
-    }
+    void controla(const std::string& sql) { ejecutaGuion(sql); }
 
     // Prepara (o toma del caché) una sola sentencia; el arenero juzga al preparar.
     SentenciaPreparada& prepara(const std::string& sql, bool confiable) {
