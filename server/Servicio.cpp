@@ -31,10 +31,15 @@ json leeJson(const std::string& cuerpo) {
     return j;
 }
 
+// Sentencia ya revisada por el arenero; "llamada" dice si es un procedimiento.
+Resultado ejecutaRevisada(Conexion& c, const std::string& sql, const std::vector<Parametro>& params,
+                          const std::optional<LlamadaProcedimiento>& llamada) {
+    return llamada ? ejecutaProcedimiento(c, *llamada) : c.ejecuta(sql, params);
+}
+
 Resultado ejecutaUna(Conexion& c, const std::string& sql, const std::vector<Parametro>& params) {
     revisaTextoDeEstacion(sql);
-    if (auto llamada = reconoceProcedimiento(sql, params)) return ejecutaProcedimiento(c, *llamada);
-    return c.ejecuta(sql, params);
+    return ejecutaRevisada(c, sql, params, reconoceProcedimiento(sql, params));
 }
 
 // El valor al que apunta una referencia "de" de un lote.
@@ -156,7 +161,7 @@ Respuesta Servicio::sentencia(const Solicitud& s) {
         auto llamada = reconoceProcedimiento(sentencia.sql, sentencia.parametros);
         const bool escribe = llamada ? llamada->escribe : !c->soloLee(sentencia.sql);
         if (!escribe) {
-            r = ejecutaUna(*c, sentencia.sql, sentencia.parametros);
+            r = ejecutaRevisada(*c, sentencia.sql, sentencia.parametros, llamada);
             return {200, volcado(aJson(r))};
         }
         if (!escritor_.toma(tiempos_.esperaEscritor))
@@ -165,7 +170,7 @@ Respuesta Servicio::sentencia(const Solicitud& s) {
         EscrituraTomada escritura(escritor_);
         c->comienza();
         try {
-            r = ejecutaUna(*c, sentencia.sql, sentencia.parametros);
+            r = ejecutaRevisada(*c, sentencia.sql, sentencia.parametros, llamada);
             c->confirma();
         } catch (...) {
             c->revierte();
