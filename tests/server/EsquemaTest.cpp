@@ -208,6 +208,7 @@ TEST_F(Procedimientos, ComandasActivasComoElMonitorYActualizaComandasDetalles) {
               1);
     actualiza(2);
     EXPECT_EQ(c.cuenta(linea + " and servida = 2 and fechaServida is not null"), 1);
-    for (const auto& fila : activas(0).filas())
+    const auto restantes = activas(0);
+    for (const auto& fila : restantes.filas())
         EXPECT_NE(fila[0], comanda);
 }
