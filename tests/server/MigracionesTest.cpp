@@ -34,7 +34,8 @@ TEST_F(Migraciones, UnaBaseAnteriorRecibeLasMigracionesQueLeFaltan) {
         auto c = abre();
         EXPECT_EQ(preparaBase(*c, false, 2), 2);
         EXPECT_EQ(cuenta(*c, "Select count(*) From Estados"), 0);
-        c->ejecutaInterna("Insert Into Empresa (empresaID, nombreEmpresaCorto) Values (7, 'Vieja')");
+        c->ejecutaInterna(
+            "Insert Into Empresa (empresaID, nombreEmpresaCorto) Values (7, 'Vieja')");
     }
     auto c = abre();
     const int version = preparaBase(*c, false);
