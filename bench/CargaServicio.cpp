@@ -21,18 +21,22 @@
 
 #include <httplib.h>
 
+#include "Medicion.h"
 #include "Migraciones.h"
 #include "MotorSqlite.h"
 #include "Protocolo.h"
-#include "ServicioLanzado.h"
+#include "ServicioPrueba.h"
 
 namespace {
 
+struct Credenciales {
+    std::string usuario;
+    std::string contrasena;
+};
+
 using cajaplex::carga::CarpetaTemporal;
-using cajaplex::carga::Credenciales;
 using cajaplex::carga::leeProceso;
 using cajaplex::carga::Proceso;
-using cajaplex::carga::ServicioLanzado;
 using cajaplex::carga::tipoDeDisco;
 namespace fs = std::filesystem;
 using cajaplex::protocolo::Parametro;
@@ -494,12 +498,11 @@ void fila(const char* escenario, int estaciones, const Medicion& s, double cpuPo
 }
 
 int corre(int segundos) {
-    std::random_device azar;
-    const Credenciales cred{"carga", std::to_string(azar()) + std::to_string(azar())};
+    const Credenciales cred{cajaplex::prueba::kUsuarioPrueba, cajaplex::prueba::kContrasenaPrueba};
     CarpetaTemporal carpeta;
-    std::unique_ptr<ServicioLanzado> servicio;
+    std::unique_ptr<cajaplex::prueba::ServicioPrueba> servicio;
     try {
-        servicio = std::make_unique<ServicioLanzado>(carpeta.ruta / "servicio", cred);
+        servicio = std::make_unique<cajaplex::prueba::ServicioPrueba>();
     } catch (const std::exception& e) {
         std::fprintf(stderr, "No arrancó el servicio: %s\n", e.what());
         return 1;
@@ -543,7 +546,7 @@ int corre(int segundos) {
          [](Estacion& e, std::mt19937_64& g) { ventaInteractiva(e, nuevaVenta(g)); }}};
 
     std::printf("cajaplex-carga: %d s por medición, %d productos, %u CPU, datos en %s\n", segundos,
-                Productos, std::thread::hardware_concurrency(), tipoDeDisco(carpeta.ruta));
+                Productos, std::thread::hardware_concurrency(), tipoDeDisco(servicio->carpeta()));
     std::printf("Servicio: pid %d, puerto %d. Local: la biblioteca del servicio sobre SQLite "
                 "(WAL, synchronous=FULL), mismos hilos.\n\n",
                 servicio->pid(), servicio->puerto());
