@@ -11,6 +11,11 @@ namespace cajaplex {
 
 enum class Respuesta { Aceptar, Cancelar, Si, No };
 
+// Los mensajes de falla comunes a todas las pantallas.
+inline constexpr const char* MensajeErrorLectura = "Error al obtener los datos, Intente de nuevo";
+inline constexpr const char* MensajeErrorRegistro =
+    "Error al Registrar la transacción, Intente de nuevo";
+
 // Único camino de los mensajes y preguntas de las pantallas ("Centro de Mensajes"). En modo de
 // prueba no se abre nada modal: se anota cada texto y las respuestas salen de una cola.
 class Mensajes {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QIcon>
+#include <QPixmap>
+#include <QSize>
+#include <QString>
+
+class QApplication;
+class QWidget;
+
+namespace cajaplex {
+
+// Color de acento del sistema.
+inline constexpr const char* ColorAcento = "#1E90FF";
+
+// La hoja de estilo única de la aplicación (recurso :/estilo/Cajaplex.qss) y su fuente base.
+// Las pantallas no ponen colores propios: marcan sus controles con la propiedad "estilo" y la
+// hoja decide cómo se ven:
+//   QPushButton  "primario" (acción principal, acento), "peligro" (borrar, cancelar),
+//                "mosaico" (lanzador del menú: icono grande arriba, texto abajo),
+//                "enlace" (texto subrayado sin marco)
+//   QLabel       "titulo", "subtitulo", "pie" (renglón de totales o conteo), "dato" (valor
+//                destacado en acento)
+//   QFrame       "tarjeta" (bloque blanco con borde redondeado), "barra" (barra superior de una
+//                pantalla, en acento)
+QString hojaEstilo();
+void aplicaHojaEstilo(QApplication& aplicacion);
+// Marca un control para la hoja de estilo y lo vuelve a pulir si ya estaba visible.
+void ponEstilo(QWidget* control, const char* estilo);
+
+// Imágenes del proyecto por nombre ("LogotipoVacio", "Insercion"...), de :/imagenes/<nombre>.svg.
+QIcon icono(const QString& nombre);
+QPixmap imagen(const QString& nombre, const QSize& tamano);
+
+} // namespace cajaplex
