@@ -21,14 +21,30 @@ class TAuditoriasF : public QWidget {
 public:
     explicit TAuditoriasF(const Sesion& sesion, QWidget* padre = nullptr);
 
+    // Lo que cada renglón de "ListaBitacoras" guarda además de lo que se ve. La imagen está
+    // también como icono del renglón (vacío si la imagen no existe).
+    enum RolBitacora {
+        RolModulo = Qt::UserRole, // moduloSistema
+        RolTipo,                  // tipoAuditoria, con acentos
+        RolImagen,                // nombre de la imagen del tipo ("Insercion"...)
+        RolFecha,                 // fechaOperacion (QDateTime)
+        RolTexto,                 // el texto enriquecido que se pinta
+    };
+
 private slots:
     void MostrarResultadosClick();
     void ConsultaBitacorasTimer();
 
 private:
+    QWidget* creaRango();
+    void llenaLista();
+
     const Sesion& sesion_;
     Mensajes mensajes_{this};
     Consulta ConsultaBitacoras;
+    // El rango que se pidió al presionar el botón, el que lee el temporizador.
+    QDate inicio_;
+    QDate fin_;
     QDateEdit* fechaInicio_; // objectName "FechaInicio"
     QDateEdit* fechaFin_;    // objectName "FechaFin"
     QPushButton* mostrar_;   // objectName "MostrarResultados"

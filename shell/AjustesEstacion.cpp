@@ -23,6 +23,10 @@ QString rutaArchivo(QString carpeta) {
 AjustesEstacion::AjustesEstacion(QString carpeta)
     : ajustes_(rutaArchivo(std::move(carpeta)), QSettings::IniFormat) {}
 
+QString AjustesEstacion::carpeta() const {
+    return QFileInfo(ajustes_.fileName()).absolutePath();
+}
+
 QString AjustesEstacion::direccionServidor() const {
     return valor(QStringLiteral("DireccionWEBService")).toString().trimmed();
 }
@@ -49,6 +53,35 @@ bool AjustesEstacion::utilizarSonidos() const {
 
 void AjustesEstacion::ponUtilizarSonidos(bool utilizar) {
     ponValor(QStringLiteral("UtilizarSonidos"), utilizar);
+}
+
+QString AjustesEstacion::usuarioServicio() const {
+    return valor(QStringLiteral("UsuarioWEBService")).toString();
+}
+
+QString AjustesEstacion::contrasenaServicio() const {
+    return valor(QStringLiteral("ContrasenaWEBService")).toString();
+}
+
+void AjustesEstacion::ponCredencialesServicio(const QString& usuario, const QString& contrasena) {
+    ponValor(QStringLiteral("UsuarioWEBService"), usuario);
+    ponValor(QStringLiteral("ContrasenaWEBService"), contrasena);
+}
+
+QString AjustesEstacion::contrasenaBaseLocal() const {
+    return valor(QStringLiteral("ContrasenaBaseLocal")).toString();
+}
+
+void AjustesEstacion::ponContrasenaBaseLocal(const QString& contrasena) {
+    ponValor(QStringLiteral("ContrasenaBaseLocal"), contrasena);
+}
+
+QString AjustesEstacion::dispositivoID() const {
+    return valor(QStringLiteral("DispositivoID")).toString().trimmed();
+}
+
+void AjustesEstacion::ponDispositivoID(const QString& id) {
+    ponValor(QStringLiteral("DispositivoID"), id.trimmed());
 }
 
 QVariant AjustesEstacion::valor(const QString& clave, const QVariant& omision) const {

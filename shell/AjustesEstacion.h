@@ -13,6 +13,8 @@ public:
     explicit AjustesEstacion(QString carpeta = {});
 
     QString ruta() const { return ajustes_.fileName(); }
+    // Carpeta del archivo; ahí vive también la base local de la estación.
+    QString carpeta() const;
 
     QString direccionServidor() const;
     void ponDireccionServidor(const QString& direccion);
@@ -20,6 +22,14 @@ public:
     void ponPuertoServidor(int puerto);
     bool utilizarSonidos() const;
     void ponUtilizarSonidos(bool utilizar);
+    // Credenciales con que la estación se presenta ante el servicio (no las del usuario).
+    QString usuarioServicio() const;
+    QString contrasenaServicio() const;
+    void ponCredencialesServicio(const QString& usuario, const QString& contrasena);
+    QString contrasenaBaseLocal() const;
+    void ponContrasenaBaseLocal(const QString& contrasena);
+    QString dispositivoID() const;
+    void ponDispositivoID(const QString& id);
 
     QVariant valor(const QString& clave, const QVariant& omision = {}) const;
     void ponValor(const QString& clave, const QVariant& valor);

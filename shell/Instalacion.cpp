@@ -1,1 +1,83 @@
 #include "Instalacion.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLibrary>
+#include <QRandomGenerator>
+#include <QUuid>
+
+#include "AjustesEstacion.h"
+#include "ModuloDatos.h"
+
+namespace cajaplex {
+
+QStringList bibliotecasRequeridas() {
+    return {QStringLiteral(CAJAPLEX_BIBLIOTECA_PDF), QStringLiteral(CAJAPLEX_BIBLIOTECA_CODIGOS)};
+}
+
+bool bibliotecaDisponible(const QString& archivo) {
+    // Cargarla de verdad: un archivo presente pero incompleto tampoco sirve.
+    QLibrary biblioteca(archivo);
+    return biblioteca.load();
+}
+
+QString buscaBaseLocal(const QString& carpeta) {
+    const QDir dir(carpeta);
+    for (const char* nombre : {ArchivoBaseLocalNueva, ArchivoBaseLocal}) {
+        const QString ruta = dir.filePath(QString::fromLatin1(nombre));
+        if (QFileInfo(ruta).isFile()) return ruta;
+    }
+    return {};
+}
+
+QStringList archivosFaltantes(const QString& carpeta, const QStringList& bibliotecas) {
+    QStringList avisos;
+    if (buscaBaseLocal(carpeta).isEmpty())
+        avisos << QString::fromUtf8(MensajeArchivoFaltante) + QString::fromLatin1(ArchivoBaseLocal);
+    for (const QString& biblioteca : bibliotecas)
+        if (!bibliotecaDisponible(biblioteca))
+            avisos << QString::fromUtf8(MensajeArchivoFaltante) + biblioteca;
+    return avisos;
+}
+
+QString versionPrograma() {
+    return QStringLiteral(CAJAPLEX_VERSION);
+}
+
+QString dispositivoDeLaEstacion(AjustesEstacion& ajustes) {
+    QString id = ajustes.dispositivoID();
+    if (id.isEmpty()) {
+        id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+        ajustes.ponDispositivoID(id);
+        ajustes.guarda();
+    }
+    return id;
+}
+
+void preparaEstacion(AjustesEstacion& ajustes, const QString& direccion, int puerto,
+                     const QString& usuarioServicio, const QString& contrasenaServicio) {
+    ajustes.ponDireccionServidor(direccion);
+    ajustes.ponPuertoServidor(puerto);
+    ajustes.ponCredencialesServicio(usuarioServicio, contrasenaServicio);
+    if (ajustes.contrasenaBaseLocal().isEmpty()) {
+        const quint64 partes[2] = {QRandomGenerator::system()->generate64(),
+                                   QRandomGenerator::system()->generate64()};
+        ajustes.ponContrasenaBaseLocal(QString::fromLatin1(
+            QByteArray(reinterpret_cast<const char*>(partes), sizeof partes).toHex()));
+    }
+    dispositivoDeLaEstacion(ajustes);
+    if (!ajustes.guarda())
+        throw ErrorServicio("base_local", 0, "no se pudo escribir " + ajustes.ruta().toStdString());
+
+    // Abrir la base con su contraseña la crea cifrada, con sus tablas, si aún no existe.
+    TModuloDeDatos modulo;
+    modulo.ArchivoLocalBD = buscaBaseLocal(ajustes.carpeta());
+    if (modulo.ArchivoLocalBD.isEmpty())
+        modulo.ArchivoLocalBD =
+            QDir(ajustes.carpeta()).filePath(QString::fromLatin1(ArchivoBaseLocal));
+    modulo.ContrasenaLocalBD = ajustes.contrasenaBaseLocal();
+    modulo.ConexionLocalBD.abre();
+    modulo.ConexionLocalBD.cierra();
+}
+
+} // namespace cajaplex

@@ -1,1 +1,141 @@
 #include "MenuPrimario.h"
+
+#include <QDate>
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include "Auditorias.h"
+#include "HojaEstilo.h"
+#include "Sonidos.h"
+
+namespace cajaplex {
+namespace {
+
+// Los grupos, en el orden en que se muestran.
+const QStringList kGrupos = {
+    QStringLiteral("Punto de Venta"),       QStringLiteral("Restaurante"),
+    QStringLiteral("Cotizaciones"),         QStringLiteral("Catálogos e Inventarios"),
+    QStringLiteral("Compras y Cuentas"),    QStringLiteral("Usuarios y Bitácoras"),
+    QStringLiteral("Clientes y Catálogos"), QStringLiteral("Impresión y Estadísticas")};
+
+constexpr int kColumnas = 4;
+
+} // namespace
+
+const std::vector<ModuloMenu>& modulosDelMenu() {
+    static const std::vector<ModuloMenu> modulos = {
+        {QStringLiteral("Usuarios y Bitácoras"), QStringLiteral("Auditorias"),
+         QStringLiteral("Bitácoras del Sistema"), QStringLiteral("Bitacoras"),
+         [](const Sesion& s) -> QWidget* { return new TAuditoriasF(s); }},
+    };
+    return modulos;
+}
+
+TMenuPrimarioF::TMenuPrimarioF(const Sesion& sesion, QWidget* padre)
+    : QWidget(padre), sesion_(sesion) {
+    setObjectName(QStringLiteral("MenuPrimario"));
+    auto* capa = new QVBoxLayout(this);
+    capa->setContentsMargins(0, 0, 0, 0);
+    capa->setSpacing(0);
+    capa->addWidget(creaEncabezado());
+    auto* desplazable = new QScrollArea(this);
+    desplazable->setWidgetResizable(true);
+    desplazable->setFrameShape(QFrame::NoFrame);
+    desplazable->setWidget(creaModulos());
+    capa->addWidget(desplazable, 1);
+}
+
+QWidget* TMenuPrimarioF::creaEncabezado() {
+    auto* barra = new QFrame(this);
+    ponEstilo(barra, "barra");
+
+    auto* logo = new QLabel(barra);
+    logo->setObjectName(QStringLiteral("LogotipoEmpresa"));
+    QPixmap pixmap;
+    if (sesion_.Logotipo1.isEmpty() || !pixmap.loadFromData(sesion_.Logotipo1)) {
+        pixmap = imagen(QStringLiteral("LogotipoVacio"), QSize(56, 56));
+        logo->setProperty("imagen", QStringLiteral("LogotipoVacio"));
+    } else {
+        pixmap = pixmap.scaled(56, 56, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        logo->setProperty("imagen", QStringLiteral("Logotipo1"));
+    }
+    logo->setPixmap(pixmap);
+    logo->setFixedSize(56, 56);
+
+    auto* empresa = new QLabel(sesion_.NombreEmpresa, barra);
+    empresa->setObjectName(QStringLiteral("NombreEmpresa"));
+    ponEstilo(empresa, "titulo");
+    auto* rfc = new QLabel(sesion_.Rfc, barra);
+    rfc->setObjectName(QStringLiteral("RfcEmpresa"));
+    auto* usuario = new QLabel(sesion_.NombreDeUsuario, barra);
+    usuario->setObjectName(QStringLiteral("NombreDeUsuario"));
+    ponEstilo(usuario, "subtitulo");
+    auto* fecha = new QLabel(
+        QLocale(QLocale::Spanish, QLocale::Mexico)
+            .toString(QDate::currentDate(), QStringLiteral("dddd d 'de' MMMM 'de' yyyy")),
+        barra);
+    auto* salir = new QPushButton(icono(QStringLiteral("CerrarSesion")),
+                                  QStringLiteral("Cerrar Sesión"), barra);
+    salir->setObjectName(QStringLiteral("BotonCerrarSesion"));
+    ponEstilo(salir, "peligro");
+    connect(salir, &QPushButton::clicked, this, &TMenuPrimarioF::cerrarSesion);
+
+    auto* datosEmpresa = new QVBoxLayout;
+    datosEmpresa->addWidget(empresa);
+    datosEmpresa->addWidget(rfc);
+    auto* datosUsuario = new QVBoxLayout;
+    datosUsuario->addWidget(usuario, 0, Qt::AlignRight);
+    datosUsuario->addWidget(fecha, 0, Qt::AlignRight);
+
+    auto* capa = new QHBoxLayout(barra);
+    capa->addWidget(logo);
+    capa->addLayout(datosEmpresa, 1);
+    capa->addLayout(datosUsuario);
+    capa->addSpacing(16);
+    capa->addWidget(salir);
+    return barra;
+}
+
+QWidget* TMenuPrimarioF::creaModulos() {
+    auto* contenido = new QWidget;
+    auto* capa = new QVBoxLayout(contenido);
+    capa->setContentsMargins(24, 16, 24, 24);
+    capa->setSpacing(12);
+    for (const QString& grupo : kGrupos) {
+        QList<const ModuloMenu*> delGrupo;
+        for (const ModuloMenu& m : modulosDelMenu())
+            if (m.grupo == grupo && m.visible(sesion_)) delGrupo << &m;
+        if (delGrupo.isEmpty()) continue;
+
+        auto* encabezado = new QLabel(grupo, contenido);
+        ponEstilo(encabezado, "subtitulo");
+        capa->addWidget(encabezado);
+        auto* rejilla = new QGridLayout;
+        rejilla->setSpacing(12);
+        for (int i = 0; i < delGrupo.size(); ++i) {
+            const ModuloMenu* m = delGrupo[i];
+            auto* boton = new QPushButton(icono(m->imagen), m->titulo, contenido);
+            boton->setObjectName(QStringLiteral("Modulo") + m->nombre);
+            boton->setIconSize(QSize(48, 48));
+            ponEstilo(boton, "mosaico");
+            connect(boton, &QPushButton::clicked, this, [this, m] {
+                Sonidos::reproduce(Sonido::Click);
+                emit abreModulo(m->crea(sesion_), m->titulo);
+            });
+            rejilla->addWidget(boton, i / kColumnas, i % kColumnas);
+        }
+        for (int c = 0; c < kColumnas; ++c)
+            rejilla->setColumnStretch(c, 1);
+        capa->addLayout(rejilla);
+    }
+    capa->addStretch(1);
+    return contenido;
+}
+
+} // namespace cajaplex

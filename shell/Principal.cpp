@@ -1,1 +1,209 @@
 #include "Principal.h"
+
+#include <utility>
+
+#include <QCloseEvent>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "FrameLogeo.h"
+#include "HojaEstilo.h"
+#include "InicioSesion.h"
+#include "Leyenda.h"
+#include "MenuPrimario.h"
+#include "ModuloDatos.h"
+#include "Sonidos.h"
+#include "TerminosYCondiciones.h"
+
+namespace cajaplex {
+namespace {
+
+const char* const kPantalla = "cajaplexPantalla"; // la pantalla que lleva cada marco
+
+// Marco de una pantalla abierta: barra con "Regresar" y el título, y la pantalla debajo.
+QWidget* marcoDe(QWidget* pantalla, const QString& titulo, QPushButton*& regresar) {
+    auto* marco = new QWidget;
+    auto* barra = new QFrame(marco);
+    ponEstilo(barra, "barra");
+    regresar =
+        new QPushButton(icono(QStringLiteral("Regresar")), QStringLiteral("Regresar"), barra);
+    regresar->setObjectName(QStringLiteral("BotonRegresar"));
+    auto* etiqueta = new QLabel(titulo, barra);
+    etiqueta->setObjectName(QStringLiteral("TituloPantalla"));
+    ponEstilo(etiqueta, "titulo");
+    auto* capaBarra = new QHBoxLayout(barra);
+    capaBarra->addWidget(regresar);
+    capaBarra->addSpacing(12);
+    capaBarra->addWidget(etiqueta, 1);
+
+    auto* capa = new QVBoxLayout(marco);
+    capa->setContentsMargins(0, 0, 0, 0);
+    capa->setSpacing(0);
+    capa->addWidget(barra);
+    capa->addWidget(pantalla, 1);
+    marco->setProperty(kPantalla, QVariant::fromValue(static_cast<QObject*>(pantalla)));
+    return marco;
+}
+
+} // namespace
+
+TCajaplexF::TCajaplexF(Instalacion instalacion, QWidget* padre)
+    : QWidget(padre), instalacion_(std::move(instalacion)), ajustes_(instalacion_.carpeta) {
+    setObjectName(QStringLiteral("Cajaplex"));
+    setWindowTitle(QStringLiteral("Cajaplex"));
+    setMinimumSize(1024, 700);
+    paginas_ = new QStackedWidget(this);
+    VentanaDeLogeo = new TCuadroLogeo(paginas_);
+    paginas_->addWidget(VentanaDeLogeo);
+    auto* capa = new QVBoxLayout(this);
+    capa->setContentsMargins(0, 0, 0, 0);
+    capa->addWidget(paginas_);
+
+    connect(VentanaDeLogeo, &TCuadroLogeo::ingresar, this, &TCajaplexF::BotonIngresarClick);
+    connect(VentanaDeLogeo, &TCuadroLogeo::empresaAceptada, this, &TCajaplexF::EmpresaAceptada);
+    connect(VentanaDeLogeo, &TCuadroLogeo::terminosYCondiciones, this,
+            &TCajaplexF::EtiquetaTerminosYCondicionesClick);
+    FormCreate();
+}
+
+TCajaplexF::~TCajaplexF() = default;
+
+void TCajaplexF::FormCreate() {
+    // Los ajustes ya están abiertos (ajustes_) y se leen una sola vez.
+    Sonidos::activa(ajustes_.utilizarSonidos());
+
+    ModuloDeDatos.ArchivoLocalBD = buscaBaseLocal(ajustes_.carpeta());
+    ModuloDeDatos.ContrasenaLocalBD = ajustes_.contrasenaBaseLocal();
+    // Lo que falta se avisa, pero la ventana se muestra igual.
+    for (const QString& aviso : archivosFaltantes(ajustes_.carpeta(), instalacion_.bibliotecas))
+        mensajes_.muestra(aviso);
+
+    const QString dispositivo = dispositivoDeLaEstacion(ajustes_);
+    VentanaDeLogeo->ponVersion(QStringLiteral("Versión Omnivar ") + versionPrograma());
+    VentanaDeLogeo->ponDispositivo(dispositivo);
+    VentanaDeLogeo->ponServidor(ajustes_.direccionServidor(), ajustes_.puertoServidor());
+    inicioSesion_ = std::make_unique<InicioSesion>(ModuloDeDatos, ajustes_, dispositivo);
+
+    VentanaDeLogeo->posicionaCursorUsuario();
+    // PosicionarCursorUsuario: al mostrarse la ventana el foco se pierde; se devuelve después.
+    QTimer::singleShot(0, VentanaDeLogeo, &TCuadroLogeo::posicionaCursorUsuario);
+}
+
+void TCajaplexF::BotonIngresarClick() {
+    if (validando_) return;
+    validando_ = true;
+    Sonidos::reproduce(Sonido::Click);
+    VentanaDeLogeo->habilita(false);
+    ejecutaConLeyenda(this, QStringLiteral("Validando Credenciales de Acceso"),
+                      [this] { ConectarTimer(); });
+}
+
+void TCajaplexF::ConectarTimer() {
+    const auto rehabilita = qScopeGuard([this] {
+        validando_ = false;
+        VentanaDeLogeo->habilita(true);
+    });
+    const ResultadoAcceso resultado = inicioSesion_->valida(VentanaDeLogeo->datos());
+    if (!resultado.aceptado()) {
+        Sonidos::reproduce(Sonido::Error);
+        mensajes_.muestra(resultado.mensaje);
+        return;
+    }
+    empresas_ = resultado.empresas;
+    if (empresas_.size() == 1)
+        abreSesion(empresas_.first());
+    else
+        VentanaDeLogeo->muestraEmpresas(empresas_);
+}
+
+void TCajaplexF::EmpresaAceptada(int indice) {
+    if (indice < 0 || indice >= empresas_.size()) return;
+    Sonidos::reproduce(Sonido::Click);
+    abreSesion(empresas_.at(indice));
+}
+
+void TCajaplexF::abreSesion(const Sesion& sesion) {
+    sesion_ = sesion;
+    sesionAbierta_ = true;
+    setWindowTitle(QStringLiteral("Cajaplex - ") + sesion_.NombreEmpresa);
+    menu_ = new TMenuPrimarioF(sesion_, paginas_);
+    connect(menu_, &TMenuPrimarioF::abreModulo, this, &TCajaplexF::abrePantalla);
+    connect(menu_, &TMenuPrimarioF::cerrarSesion, this, &TCajaplexF::CerrarSesionClick);
+    paginas_->addWidget(menu_);
+    paginas_->setCurrentWidget(menu_);
+    VentanaDeLogeo->muestraAcceso();
+    VentanaDeLogeo->limpiaContrasena();
+}
+
+void TCajaplexF::CerrarSesionClick() {
+    if (!mensajes_.pregunta(QStringLiteral("¿Desea Cerrar la Sesión?"))) return;
+    Sonidos::reproduce(Sonido::Salir);
+    cierraPantallasSobre(VentanaDeLogeo);
+    menu_ = nullptr;
+    sesionAbierta_ = false;
+    empresas_.clear();
+    setWindowTitle(QStringLiteral("Cajaplex"));
+    VentanaDeLogeo->limpiaContrasena();
+}
+
+void TCajaplexF::EtiquetaTerminosYCondicionesClick() {
+    Sonidos::reproduce(Sonido::Click);
+    abrePantalla(new TTerminosYCondicionesF, QStringLiteral("Términos y Condiciones"));
+}
+
+void TCajaplexF::abrePantalla(QWidget* pantalla, const QString& titulo) {
+    QPushButton* regresar = nullptr;
+    QWidget* marco = marcoDe(pantalla, titulo, regresar);
+    connect(regresar, &QPushButton::clicked, this, [this] {
+        Sonidos::reproduce(Sonido::Regresar);
+        regresa();
+    });
+    pantalla->installEventFilter(this);
+    paginas_->addWidget(marco);
+    paginas_->setCurrentWidget(marco);
+}
+
+void TCajaplexF::regresa() {
+    const int tope = paginas_->count() - 1;
+    QWidget* marco = paginas_->widget(tope);
+    if (marco == VentanaDeLogeo || marco == menu_) return;
+    cierraPantallasSobre(paginas_->widget(tope - 1));
+}
+
+// Quita (y destruye después) todas las páginas por encima de `pagina`.
+void TCajaplexF::cierraPantallasSobre(QWidget* pagina) {
+    paginas_->setCurrentWidget(pagina);
+    while (paginas_->count() > 0 && paginas_->widget(paginas_->count() - 1) != pagina) {
+        QWidget* tope = paginas_->widget(paginas_->count() - 1);
+        paginas_->removeWidget(tope);
+        if (auto* pantalla = tope->property(kPantalla).value<QObject*>())
+            pantalla->removeEventFilter(this);
+        // Puede venir de un botón de la misma página: se destruye al volver al ciclo de eventos.
+        tope->hide();
+        tope->deleteLater();
+    }
+}
+
+bool TCajaplexF::eventFilter(QObject* objeto, QEvent* evento) {
+    // Una pantalla que se cierra sola (close()) vuelve a la anterior como con "Regresar".
+    if (evento->type() == QEvent::Close && paginas_->count() > 0) {
+        QWidget* tope = paginas_->widget(paginas_->count() - 1);
+        if (tope->property(kPantalla).value<QObject*>() == objeto) {
+            QTimer::singleShot(0, this, &TCajaplexF::regresa);
+        }
+    }
+    return QWidget::eventFilter(objeto, evento);
+}
+
+void TCajaplexF::closeEvent(QCloseEvent* evento) {
+    Sonidos::reproduce(Sonido::Salir);
+    QWidget::closeEvent(evento);
+}
+
+} // namespace cajaplex

@@ -1,1 +1,237 @@
+// Arranque, acceso y menú de la estación contra el servicio real de demostración.
+#include <memory>
+
 #include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "AjustesEstacion.h"
+#include "Auditorias.h"
+#include "FrameLogeo.h"
+#include "Instalacion.h"
+#include "Mensajes.h"
+#include "MenuPrimario.h"
+#include "ModuloDatos.h"
+#include "Principal.h"
+#include "PruebaPantallas.h"
+#include "Sonidos.h"
+
+namespace cajaplex {
+namespace {
+
+using namespace prueba;
+
+const QString kCredencialesMal = QStringLiteral("Usuario y/o Contraseña erróneas");
+const QString kBloqueo = QStringLiteral("Rebasó intentos permitidos.");
+
+class AccesoTest : public ConPantallas {
+protected:
+    void SetUp() override {
+        ConPantallas::SetUp();
+        ASSERT_TRUE(carpeta_.isValid());
+        AjustesEstacion ajustes(carpeta_.path());
+        preparaEstacion(ajustes, QStringLiteral("127.0.0.1"), servicio.puerto(),
+                        QString::fromStdString(kUsuarioDemo), QString::fromStdString(kUsuarioDemo));
+    }
+
+    std::unique_ptr<TCajaplexF> abreVentana(QStringList bibliotecas = bibliotecasRequeridas()) {
+        auto v = std::make_unique<TCajaplexF>(Instalacion{carpeta_.path(), bibliotecas});
+        v->resize(1366, 768);
+        v->show();
+        return v;
+    }
+
+    template <typename T> static T* control(const QWidget& v, const char* nombre) {
+        auto* c = v.findChild<T*>(QString::fromLatin1(nombre));
+        EXPECT_NE(c, nullptr) << nombre;
+        return c;
+    }
+
+    // Escribe usuario y contraseña, oprime "Ingresar" y espera a que termine la validación.
+    QStringList ingresa(TCajaplexF& v, const QString& usuario, const QString& contrasena) {
+        control<QLineEdit>(v, "NombreUsuario")->setText(usuario);
+        control<QLineEdit>(v, "ContrasenaUsuario")->setText(contrasena);
+        Mensajes::ultimos();
+        auto* boton = control<QPushButton>(v, "AuthenticateRectBTN");
+        QTest::mouseClick(boton, Qt::LeftButton);
+        EXPECT_TRUE(esperaHasta([&] { return boton->isEnabled(); }));
+        return Mensajes::ultimos();
+    }
+
+    QTemporaryDir carpeta_;
+};
+
+TEST_F(AccesoTest, ArranqueAvisaCadaArchivoQueFaltaYMuestraLaVentanaIgual) {
+    QTemporaryDir vacia;
+    {
+        TCajaplexF v({vacia.path(), bibliotecasRequeridas()});
+        EXPECT_EQ(Mensajes::ultimos(), QStringList{"No existe el Archivo: Cajaplex.db"});
+    }
+    Mensajes::ultimos();
+    auto v = abreVentana({QStringLiteral("libpdf-ausente.so.1"), bibliotecasRequeridas().at(1),
+                          QStringLiteral("libcodigos-ausente.so.2")});
+    EXPECT_EQ(Mensajes::ultimos(), (QStringList{"No existe el Archivo: libpdf-ausente.so.1",
+                                                "No existe el Archivo: libcodigos-ausente.so.2"}));
+    EXPECT_TRUE(v->isVisible());
+    EXPECT_TRUE(ModuloDeDatos.ArchivoLocalBD.endsWith("/Cajaplex.db"));
+
+    // Una copia recién instalada tiene preferencia.
+    QFile::copy(ModuloDeDatos.ArchivoLocalBD, carpeta_.filePath("CajaplexNueva.db"));
+    v = abreVentana();
+    EXPECT_TRUE(Mensajes::ultimos().isEmpty());
+    EXPECT_TRUE(ModuloDeDatos.ArchivoLocalBD.endsWith("/CajaplexNueva.db"));
+}
+
+TEST_F(AccesoTest, VersionDispositivoServidorYCursorEnElUsuario) {
+    auto v = abreVentana();
+    EXPECT_EQ(control<QLabel>(*v, "ExperienceText")->text(),
+              QStringLiteral("Versión Omnivar ") + versionPrograma());
+    const QString id = control<QLineEdit>(*v, "DispositivoID")->text();
+    EXPECT_FALSE(id.isEmpty());
+    EXPECT_EQ(control<QLineEdit>(*v, "ServidorPuerto")->text().toInt(), servicio.puerto());
+    EXPECT_TRUE(esperaHasta([&] { return control<QLineEdit>(*v, "NombreUsuario")->hasFocus(); }));
+    v.reset();
+    EXPECT_EQ(control<QLineEdit>(*abreVentana(), "DispositivoID")->text(), id); // se conserva
+}
+
+TEST_F(AccesoTest, CadaCampoVacioTieneSuMensajeEnOrden) {
+    auto v = abreVentana();
+    auto* direccion = control<QLineEdit>(*v, "ServidorUsuario");
+    auto* puerto = control<QLineEdit>(*v, "ServidorPuerto");
+    direccion->clear();
+    puerto->clear();
+    EXPECT_EQ(ingresa(*v, {}, {}), QStringList{"Ingrese el Dominio ó IP"});
+    direccion->setText("127.0.0.1");
+    EXPECT_EQ(ingresa(*v, {}, {}), QStringList{"Ingrese el Puerto"});
+    puerto->setText(QString::number(servicio.puerto()));
+    EXPECT_EQ(ingresa(*v, {}, "cajero"), QStringList{"Ingrese Usuario"});
+    EXPECT_EQ(ingresa(*v, "cajero", {}), QStringList{"Ingrese Contraseña"});
+    EXPECT_EQ(Sonidos::reproducidos(),
+              (QList<Sonido>{Sonido::Click, Sonido::Error, Sonido::Click, Sonido::Error,
+                             Sonido::Click, Sonido::Error, Sonido::Click, Sonido::Error}));
+    EXPECT_FALSE(v->sesionAbierta());
+}
+
+TEST_F(AccesoTest, TresFallasBloqueanSinVolverAlServicio) {
+    auto v = abreVentana();
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(ingresa(*v, "cajero", "equivocada"), QStringList{kCredencialesMal});
+    servicio.detiene(); // si se intentara conectar, el mensaje sería el de conexión
+    EXPECT_EQ(ingresa(*v, "cajero", "cajero"), QStringList{kBloqueo});
+    EXPECT_FALSE(v->sesionAbierta());
+}
+
+TEST_F(AccesoTest, InactivoSinAccesoMovilYEmpresaInactivaCuentanComoFalla) {
+    c.exige("Update Usuarios set accesaMovil = 0 where nUsuario = 'cajero'");
+    c.exige("Update Empresa set activo = 0 where empresaID = 2");
+    auto v = abreVentana();
+    EXPECT_EQ(ingresa(*v, "inactivo", "inactivo"), QStringList{kCredencialesMal});
+    EXPECT_EQ(ingresa(*v, "cajero", "cajero"), QStringList{kCredencialesMal});
+    EXPECT_EQ(ingresa(*v, "mesero", "mesero"), QStringList{kCredencialesMal});
+    EXPECT_EQ(ingresa(*v, "admin", "admin"), QStringList{kBloqueo});
+}
+
+TEST_F(AccesoTest, AdministradorEligeEntreTodaEmpresaActivaYTomaSusValores) {
+    c.exige("Delete from UsuariosEmpresa where usuarioID = 1");
+    c.exige("Insert into Empresa (empresaID, nombreEmpresaCorto, activo) values (3, 'Cerrada', 0)");
+    c.exige("Insert into Configura (empresaID) values (3)");
+    auto v = abreVentana();
+    EXPECT_TRUE(ingresa(*v, "admin", "admin").isEmpty());
+    auto* lista = control<QListWidget>(*v, "ListaEmpresas");
+    ASSERT_EQ(lista->count(), 2);
+    EXPECT_EQ(lista->currentRow(), 0);
+    EXPECT_EQ(lista->item(1)->data(Qt::UserRole).toLongLong(), 2);
+    EXPECT_FALSE(v->sesionAbierta());
+
+    lista->setCurrentRow(1);
+    QTest::mouseClick(control<QPushButton>(*v, "BotonEmpresa"), Qt::LeftButton);
+    ASSERT_TRUE(v->sesionAbierta());
+    const Sesion& s = v->sesion();
+    EXPECT_EQ(s.UsuarioID, 1);
+    EXPECT_EQ(s.EmpresaID, 2);
+    EXPECT_EQ(s.NombreEmpresa, "Restaurante El Portal");
+    EXPECT_EQ(s.NombreDeUsuario, "Administrador del Sistema");
+    EXPECT_EQ(s.Rfc.toStdString(), c.valor("Select rfc from Empresa where empresaID = 2"));
+    EXPECT_TRUE(s.controlRestaurantes);
+    EXPECT_TRUE(s.esAdmin);
+    EXPECT_EQ(control<QLabel>(*v, "NombreEmpresa")->text(), "Restaurante El Portal");
+    EXPECT_EQ(control<QLabel>(*v, "LogotipoEmpresa")->property("imagen"), "LogotipoVacio");
+}
+
+TEST_F(AccesoTest, CajeroEntraDirectoGuardaElServidorYCierraSesion) {
+    auto v = abreVentana();
+    control<QLineEdit>(*v, "ServidorUsuario")->setText(" 127.0.0.1 ");
+    EXPECT_TRUE(ingresa(*v, "cajero", "cajero").isEmpty());
+    ASSERT_TRUE(v->sesionAbierta());
+    EXPECT_EQ(v->sesion().EmpresaID, 1);
+    EXPECT_FALSE(v->sesion().esAdmin);
+    EXPECT_FALSE(v->sesion().controlRestaurantes);
+    EXPECT_TRUE(control<TMenuPrimarioF>(*v, "MenuPrimario")->isVisible());
+    AjustesEstacion releidos(carpeta_.path());
+    EXPECT_EQ(releidos.direccionServidor(), "127.0.0.1");
+    EXPECT_EQ(releidos.puertoServidor(), servicio.puerto());
+
+    // Un módulo se abre encima del menú y "Regresar" vuelve a él.
+    QTest::mouseClick(control<QPushButton>(*v, "ModuloAuditorias"), Qt::LeftButton);
+    ASSERT_NE(v->findChild<TAuditoriasF*>(), nullptr);
+    EXPECT_TRUE(v->findChild<TAuditoriasF*>()->isVisible());
+    QTest::mouseClick(control<QPushButton>(*v, "BotonRegresar"), Qt::LeftButton);
+    EXPECT_TRUE(esperaHasta([&] { return v->findChild<TAuditoriasF*>() == nullptr; }));
+
+    Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
+    QTest::mouseClick(control<QPushButton>(*v, "BotonCerrarSesion"), Qt::LeftButton);
+    EXPECT_FALSE(v->sesionAbierta());
+    EXPECT_TRUE(v->cuadroLogeo()->isVisible());
+    EXPECT_TRUE(control<QLineEdit>(*v, "ContrasenaUsuario")->text().isEmpty());
+    EXPECT_TRUE(esperaHasta([&] { return v->findChild<TMenuPrimarioF*>() == nullptr; }));
+}
+
+TEST_F(AccesoTest, ComillasEnUsuarioYContrasenaNoLleganAlSql) {
+    c.exige("Insert into Usuarios (usuarioID, nUsuario, contrasena, nombre, activo, accesaMovil) "
+            "values (9, :u, :c, 'Ana O''Brien', 1, 1)",
+            {{"u", texto("o'brien")}, {"c", texto("x' or '1'='1")}});
+    c.exige("Insert into UsuariosEmpresa (usuarioID, empresaID) values (9, 1)");
+    auto v = abreVentana();
+    EXPECT_EQ(ingresa(*v, "' or '1'='1", "' or '1'='1"), QStringList{kCredencialesMal});
+    EXPECT_EQ(ingresa(*v, "o'brien", "x"), QStringList{kCredencialesMal});
+    EXPECT_TRUE(ingresa(*v, "o'brien", "x' or '1'='1").isEmpty());
+    EXPECT_EQ(v->sesion().NombreDeUsuario, "Ana O'Brien");
+}
+
+TEST_F(AccesoTest, EnterEnLaContrasenaIngresa) {
+    auto v = abreVentana();
+    control<QLineEdit>(*v, "NombreUsuario")->setText("cajero");
+    auto* contrasena = control<QLineEdit>(*v, "ContrasenaUsuario");
+    QTest::keyClick(contrasena, Qt::Key_Return); // sin contraseña no hace nada
+    QTest::qWait(30);
+    EXPECT_TRUE(Mensajes::ultimos().isEmpty());
+    contrasena->setText("cajero");
+    QTest::keyClick(contrasena, Qt::Key_Return);
+    EXPECT_TRUE(esperaHasta([&] { return v->sesionAbierta(); }));
+}
+
+TEST_F(AccesoTest, DispositivoNoRegistradoNoEntraYErrorDeConexion) {
+    auto v = abreVentana();
+    const QString id = control<QLineEdit>(*v, "DispositivoID")->text();
+    c.exige(
+        "Insert into DispositivosRED (ReferenciaID, descripcion) values ('OTRA-CAJA', 'Caja 2')");
+    EXPECT_EQ(ingresa(*v, "cajero", "cajero"), QStringList{"Dispositivo NO Autorizado: " + id});
+    c.exige("Insert into DispositivosRED (ReferenciaID) values (:id)",
+            {{"id", texto(id.toStdString())}});
+    EXPECT_TRUE(ingresa(*v, "cajero", "cajero").isEmpty());
+    EXPECT_TRUE(v->sesionAbierta());
+
+    auto otra = abreVentana();
+    control<QLineEdit>(*otra, "ServidorPuerto")->setText("1");
+    EXPECT_EQ(ingresa(*otra, "cajero", "cajero"),
+              QStringList{"Error de conexión, verifique los datos introducidos."});
+}
+
+} // namespace
+} // namespace cajaplex

@@ -1,0 +1,149 @@
+// Recorre la aplicación como un usuario y guarda una captura PNG de cada pantalla: acceso,
+// términos, elección de empresa, menú y cada módulo del menú. Lo usa scripts/capturas bajo Xvfb.
+//   cajaplex-capturas --configuracion DIR --salida DIR [--ancho 1366 --alto 768]
+#include <cstdio>
+#include <functional>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+#include "Auditoria.h"
+#include "HojaEstilo.h"
+#include "Instalacion.h"
+#include "Mensajes.h"
+#include "MenuPrimario.h"
+#include "ModuloDatos.h"
+#include "Principal.h"
+#include "Sonidos.h"
+#include "Transaccion.h"
+
+using namespace cajaplex;
+
+namespace {
+
+bool espera(const std::function<bool()>& condicion) {
+    QElapsedTimer reloj;
+    reloj.start();
+    while (!condicion()) {
+        if (reloj.elapsed() > 10000) return false;
+        QTest::qWait(20);
+    }
+    return true;
+}
+
+class Fotografo {
+public:
+    Fotografo(QWidget& ventana, QString carpeta, QString sufijo)
+        : ventana_(ventana), carpeta_(std::move(carpeta)), sufijo_(std::move(sufijo)) {}
+
+    void toma(const QString& nombre) {
+        QTest::qWait(300); // que terminen la leyenda y el pintado
+        const QString ruta = QDir(carpeta_).filePath(QStringLiteral("%1-%2-%3.png")
+                                                         .arg(++numero_, 2, 10, QLatin1Char('0'))
+                                                         .arg(nombre, sufijo_));
+        ventana_.grab().save(ruta);
+        std::printf("%s\n", qPrintable(ruta));
+    }
+
+private:
+    QWidget& ventana_;
+    QString carpeta_;
+    QString sufijo_;
+    int numero_ = 0;
+};
+
+template <typename T> T* control(QWidget& v, const char* nombre) {
+    auto* c = v.findChild<T*>(QString::fromLatin1(nombre));
+    if (!c) std::fprintf(stderr, "No se encontró %s\n", nombre);
+    return c;
+}
+
+// Unos renglones de bitácora para que su listado no salga vacío.
+void registraEjemplos(const Sesion& sesion) {
+    Transaccion t(ModuloDeDatos.ConexionBD);
+    Auditoria::registra(t, sesion,
+                        {tipoAuditoria::Insercion,
+                         QStringLiteral("Catálogos -> Productos"),
+                         QStringLiteral("Producto 7501000111111"),
+                         {},
+                         QStringLiteral("Alta")});
+    Auditoria::registra(t, sesion,
+                        {tipoAuditoria::Actualizacion, QStringLiteral("Catálogos -> Productos"),
+                         QStringLiteral("Precio 1: 18.50"), QStringLiteral("Precio 1: 17.00"),
+                         QStringLiteral("Ajuste de precio")});
+    Auditoria::registra(t, sesion,
+                        {tipoAuditoria::CorteCaja,
+                         QStringLiteral("Ventas -> Caja Chica"),
+                         QStringLiteral("Corte 12"),
+                         {},
+                         {}});
+    t.confirma();
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication aplicacion(argc, argv);
+    QCommandLineParser opciones;
+    const QCommandLineOption configuracion(QStringLiteral("configuracion"), {},
+                                           QStringLiteral("DIR"));
+    const QCommandLineOption salida(QStringLiteral("salida"), {}, QStringLiteral("DIR"));
+    const QCommandLineOption ancho(QStringLiteral("ancho"), {}, QStringLiteral("N"),
+                                   QStringLiteral("1366"));
+    const QCommandLineOption alto(QStringLiteral("alto"), {}, QStringLiteral("N"),
+                                  QStringLiteral("768"));
+    opciones.addOptions({configuracion, salida, ancho, alto});
+    opciones.process(aplicacion);
+
+    aplicaHojaEstilo(aplicacion);
+    Mensajes::modoPrueba(true); // ningún diálogo modal detiene el recorrido
+    TCajaplexF ventana({opciones.value(configuracion), bibliotecasRequeridas()});
+    Sonidos::activa(false);
+    ventana.resize(opciones.value(ancho).toInt(), opciones.value(alto).toInt());
+    ventana.show();
+    Fotografo foto(ventana, opciones.value(salida),
+                   opciones.value(ancho) + QLatin1Char('x') + opciones.value(alto));
+
+    foto.toma(QStringLiteral("acceso"));
+    QTest::mouseClick(control<QPushButton>(ventana, "EtiquetaTerminosYCondiciones"),
+                      Qt::LeftButton);
+    foto.toma(QStringLiteral("terminos"));
+    ventana.regresa();
+
+    control<QLineEdit>(ventana, "NombreUsuario")->setText(QStringLiteral("admin"));
+    control<QLineEdit>(ventana, "ContrasenaUsuario")->setText(QStringLiteral("admin"));
+    QTest::mouseClick(control<QPushButton>(ventana, "AuthenticateRectBTN"), Qt::LeftButton);
+    if (!espera([&] { return control<QListWidget>(ventana, "ListaEmpresas")->isVisible(); })) {
+        std::fprintf(stderr, "No se llegó a la lista de empresas: %s\n",
+                     qPrintable(Mensajes::ultimos().join(QStringLiteral(" | "))));
+        return 1;
+    }
+    foto.toma(QStringLiteral("empresas"));
+    QTest::mouseClick(control<QPushButton>(ventana, "BotonEmpresa"), Qt::LeftButton);
+    espera([&] { return ventana.sesionAbierta(); });
+    registraEjemplos(ventana.sesion());
+    foto.toma(QStringLiteral("menu"));
+
+    for (const ModuloMenu& m : modulosDelMenu()) {
+        if (!m.visible(ventana.sesion())) continue;
+        auto* boton = ventana.findChild<QPushButton*>(QStringLiteral("Modulo") + m.nombre);
+        if (!boton) continue;
+        QTest::mouseClick(boton, Qt::LeftButton);
+        // Las pantallas de consulta se fotografían con resultados.
+        if (auto* mostrar = ventana.findChild<QPushButton*>(QStringLiteral("MostrarResultados")))
+            QTest::mouseClick(mostrar, Qt::LeftButton);
+        foto.toma(m.nombre);
+        ventana.regresa();
+        QTest::qWait(50);
+    }
+    const QStringList mensajes = Mensajes::ultimos();
+    if (!mensajes.isEmpty())
+        std::printf("Mensajes mostrados: %s\n", qPrintable(mensajes.join(QStringLiteral(" | "))));
+    return 0;
+}
