@@ -221,7 +221,7 @@ void TCuadroLogeo::muestraEmpresas(const QList<Sesion>& empresas) {
                            .arg(s.Rfc.toHtmlEscaped(), QString::fromLatin1(ColorAcento),
                                 s.NombreEmpresa.toHtmlEscaped()));
         etiqueta->setTextFormat(Qt::RichText);
-        etiqueta->setContentsMargins(60, 4, 8, 4);
+        etiqueta->setContentsMargins(52, 4, 8, 4); // a la derecha del logotipo
         etiqueta->setAttribute(Qt::WA_TransparentForMouseEvents);
         renglon->setSizeHint(QSize(0, 64));
         renglon->setToolTip(s.NombreEmpresa);

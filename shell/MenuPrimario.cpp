@@ -24,7 +24,9 @@ const QStringList kGrupos = {
     QStringLiteral("Compras y Cuentas"),    QStringLiteral("Usuarios y Bitácoras"),
     QStringLiteral("Clientes y Catálogos"), QStringLiteral("Impresión y Estadísticas")};
 
-constexpr int kColumnas = 4;
+// Mosaicos de tamaño fijo: cinco caben a 1366 de ancho y se tocan con el dedo sin fallar.
+constexpr int kColumnas = 5;
+const QSize kMosaico(200, 140);
 
 } // namespace
 
@@ -123,6 +125,7 @@ QWidget* TMenuPrimarioF::creaModulos() {
             auto* boton = new QPushButton(icono(m->imagen), m->titulo, contenido);
             boton->setObjectName(QStringLiteral("Modulo") + m->nombre);
             boton->setIconSize(QSize(48, 48));
+            boton->setFixedSize(kMosaico);
             ponEstilo(boton, "mosaico");
             connect(boton, &QPushButton::clicked, this, [this, m] {
                 Sonidos::reproduce(Sonido::Click);
@@ -130,8 +133,7 @@ QWidget* TMenuPrimarioF::creaModulos() {
             });
             rejilla->addWidget(boton, i / kColumnas, i % kColumnas);
         }
-        for (int c = 0; c < kColumnas; ++c)
-            rejilla->setColumnStretch(c, 1);
+        rejilla->setColumnStretch(kColumnas, 1);
         capa->addLayout(rejilla);
     }
     capa->addStretch(1);

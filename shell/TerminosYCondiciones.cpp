@@ -46,9 +46,11 @@ TTerminosYCondicionesF::TTerminosYCondicionesF(QWidget* padre) : QWidget(padre) 
     auto* texto = new QTextBrowser(this);
     texto->setObjectName(QStringLiteral("TextoTerminos"));
     texto->setHtml(QString::fromUtf8(kTerminos));
+    // Renglones de largo cómodo de leer aun en pantallas anchas.
+    texto->setMaximumWidth(960);
     auto* capa = new QVBoxLayout(this);
     capa->setContentsMargins(24, 16, 24, 24);
-    capa->addWidget(texto);
+    capa->addWidget(texto, 1, Qt::AlignHCenter);
 }
 
 } // namespace cajaplex
