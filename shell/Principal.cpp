@@ -25,6 +25,7 @@ namespace cajaplex {
 namespace {
 
 const char* const kPantalla = "cajaplexPantalla"; // la pantalla que lleva cada marco
+constexpr int kDuracionSalir = 700;               // ms; lo que dura Salir.mp3
 
 // Marco de una pantalla abierta: barra con "Regresar" y el título, y la pantalla debajo.
 QWidget* marcoDe(QWidget* pantalla, const QString& titulo, QPushButton*& regresar) {
@@ -202,7 +203,15 @@ bool TCajaplexF::eventFilter(QObject* objeto, QEvent* evento) {
 }
 
 void TCajaplexF::closeEvent(QCloseEvent* evento) {
-    Sonidos::reproduce(Sonido::Salir);
+    // Cerrar la ventana termina el programa: se oculta y espera a que suene "Salir".
+    if (!cerrando_ && Sonidos::activos()) {
+        cerrando_ = true;
+        Sonidos::reproduce(Sonido::Salir);
+        evento->ignore();
+        hide();
+        QTimer::singleShot(kDuracionSalir, this, &QWidget::close);
+        return;
+    }
     QWidget::closeEvent(evento);
 }
 

@@ -62,6 +62,7 @@ private:
     Sesion sesion_;
     bool sesionAbierta_ = false;
     bool validando_ = false;
+    bool cerrando_ = false;
     QStackedWidget* paginas_;
     TCuadroLogeo* VentanaDeLogeo;
     TMenuPrimarioF* menu_ = nullptr;
