@@ -12,6 +12,7 @@
 
 #include "Auditorias.h"
 #include "HojaEstilo.h"
+#include "Productos.h"
 #include "Sonidos.h"
 
 namespace cajaplex {
@@ -35,6 +36,9 @@ const std::vector<ModuloMenu>& modulosDelMenu() {
         {QStringLiteral("Usuarios y Bitácoras"), QStringLiteral("Auditorias"),
          QStringLiteral("Bitácoras del Sistema"), QStringLiteral("Bitacoras"),
          [](const Sesion& s) -> QWidget* { return new TAuditoriasF(s); }},
+        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Productos"),
+         QStringLiteral("Catálogo de Productos"), QStringLiteral("Productos"),
+         [](const Sesion& s) -> QWidget* { return new TProductosF(s); }},
     };
     return modulos;
 }

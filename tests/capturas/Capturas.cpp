@@ -139,6 +139,12 @@ int main(int argc, char* argv[]) {
         if (auto* mostrar = ventana.findChild<QPushButton*>(QStringLiteral("MostrarResultados")))
             QTest::mouseClick(mostrar, Qt::LeftButton);
         foto.toma(m.nombre);
+        // Las pantallas con búsqueda, también con una lista llena.
+        if (auto* buscar = ventana.findChild<QLineEdit*>(QStringLiteral("BuscarProducto"))) {
+            buscar->setText(QStringLiteral("a"));
+            QTest::keyClick(buscar, Qt::Key_Return);
+            foto.toma(m.nombre + QStringLiteral("-busqueda"));
+        }
         ventana.regresa();
         QTest::qWait(50);
     }

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include <QDate>
+#include <QStringList>
+#include <QWidget>
+
+#include "CatalogoLineas.h"
+#include "CatalogoProductos.h"
+#include "Consulta.h"
+#include "KardexProducto.h"
+#include "Mensajes.h"
+#include "Sesion.h"
+
+class QDateEdit;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QListWidget;
+class QPushButton;
+class QTabWidget;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace cajaplex {
+
+// "Catálogo de Productos": el árbol de líneas y su mantenimiento, los productos de una línea o de
+// una búsqueda en toda la empresa con su filtro local, el borrado de productos sin documentos y
+// el kardex de un producto entre dos fechas. Cuatro páginas: SeleccionaLinea,
+// SeleccionaProducto, ConsultaFechaKardex y ResultadoKardex.
+class TProductosF : public QWidget {
+    Q_OBJECT
+public:
+    explicit TProductosF(const Sesion& sesion, QWidget* padre = nullptr);
+
+    // Lo que guarda cada nodo del árbol "Lineas".
+    enum RolLinea {
+        RolLineaID = Qt::UserRole,
+        RolPadre,
+        RolImagenLinea, // "miniatura" si trae la suya, si no el nombre de la imagen por omisión
+    };
+    // Lo que guarda cada renglón de "ListaDetalle" además de lo que se pinta.
+    enum RolKardex {
+        RolModuloKardex = Qt::UserRole + 1,
+        RolTipoKardex, // 1 sale, 0 entra
+        RolCantidadKardex,
+        RolImagenKardex, // "Insercion" o "Cancelacion"
+        RolFolioKardex,
+        RolPaqueteKardex,
+    };
+
+    // Las opciones de "Opciones sobre Líneas", en su orden.
+    static const QStringList& opcionesMenuArbol();
+
+private slots:
+    void LineasItemClick(QTreeWidgetItem* item);
+    void CrearPrimeraLineaClick();
+    void BuscarProductoReturnPressed();
+    void BuscarTextoChange(const QString& texto);
+    void BotonKardexClick();
+    void BotonBorrarClick();
+    void MostrarResultadosClick();
+
+private:
+    QWidget* creaPaginaLineas();
+    QWidget* creaPaginaProductos();
+    QWidget* creaPaginaFechas();
+    QWidget* creaPaginaKardex();
+
+    // Acciones del menú del árbol.
+    void pideNodoNuevo(int64_t padre);
+    void renombraNodo(QTreeWidgetItem* item);
+    void eliminaNodo(QTreeWidgetItem* item);
+    void asignaFoto(QTreeWidgetItem* item);
+    void verProductos(QTreeWidgetItem* item);
+
+    // Lo que corre tras la leyenda.
+    void CargaLineasTimer();
+    void InsertaLineaTimer(int64_t padre, const QString& nombre);
+    void EditaLineaTimer(int64_t lineaID, const QString& nombre, const QString& anterior);
+    void EliminaLineaTimer(int64_t lineaID, const QString& nombre);
+    void CargaProductosTimer(const QString& sql, const QString& titulo);
+    void FiltraProductosTimer();
+    void BorraProductoTimer(const ProductoListado& producto);
+    void ConsultaKardexTimer();
+
+    QTreeWidgetItem* itemDeLinea(int64_t lineaID) const;
+    int numeroLineas() const;
+    std::optional<ProductoListado> productoElegido() const;
+    void actualizaPie();
+    void actualizaAcciones();
+    void error(const QString& mensaje);
+
+    const Sesion& sesion_;
+    Mensajes mensajes_{this};
+    CatalogoLineas catalogo_;
+    KardexProducto kardex_;
+    Consulta ListadoProductos;
+    ModeloProductos* modelo_;
+    FiltroProductos* filtro_;
+    int secuenciaFiltro_ = 0; // solo el último filtro tecleado se aplica
+    std::optional<ProductoListado> productoKardex_;
+    QDate inicioKardex_;
+    QDate finKardex_;
+
+    QLineEdit* buscarProducto_; // "BuscarProducto"
+    QTabWidget* paginas_;       // "Paginas"
+    QTreeWidget* lineas_;       // "Lineas"
+    QPushButton* primeraLinea_; // "CrearPrimeraLinea"
+    QLabel* tituloProductos_;   // "TituloProductos"
+    QLineEdit* buscarTexto_;    // "BuscarTexto"
+    QListView* productos_;      // "Productos"
+    QLabel* pieProductos_;      // "PieProductos"
+    QPushButton* botonKardex_;  // "BotonKardex"
+    QPushButton* botonBorrar_;  // "BotonBorrar"
+    QLabel* productoFechas_;    // "ProductoKardex"
+    QDateEdit* fechaInicio_;    // "FechaInicio"
+    QDateEdit* fechaFin_;       // "FechaFin"
+    QPushButton* mostrar_;      // "MostrarResultadosKardex"
+    QLabel* tituloKardex_;      // "TituloKardex"
+    QListWidget* listaDetalle_; // "ListaDetalle"
+    QLabel* existenciaActual_;  // "ExistenciaActual"
+    QLabel* pieKardex_;         // "PieKardex"
+};
+
+} // namespace cajaplex
