@@ -28,8 +28,8 @@ QImage imagenCodigoBarras(const QString& valor, int simbologia, double escala = 
 struct ParametrosEtiqueta {
     QString valor; // lo que se codifica (clave o código de barra)
     int simbologia = 0;
-    int rotacion = 0; // 0, 90, 180 o 270 grados
-    int borde = 0;    // mm alrededor del código
+    int rotacion = 0;  // 0, 90, 180 o 270 grados
+    int borde = 0;     // mm alrededor del código
     int espaciado = 0; // mm entre etiquetas
     double escala = 1.0;
     double alturaMm = 25.0;

@@ -10,10 +10,15 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "AsignaMonederoElectronico.h"
 #include "Auditorias.h"
 #include "HojaEstilo.h"
+#include "Kits.h"
 #include "Productos.h"
+#include "Rangos.h"
 #include "Sonidos.h"
+#include "Unidades.h"
+#include "UtileriasProductos.h"
 
 namespace cajaplex {
 namespace {
@@ -39,6 +44,21 @@ const std::vector<ModuloMenu>& modulosDelMenu() {
         {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Productos"),
          QStringLiteral("Catálogo de Productos"), QStringLiteral("Productos"),
          [](const Sesion& s) -> QWidget* { return new TProductosF(s); }},
+        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Unidades"),
+         QStringLiteral("Unidades de Medida"), QStringLiteral("Unidades"),
+         [](const Sesion& s) -> QWidget* { return new TUnidadesF(s); }},
+        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Rangos"),
+         QStringLiteral("Rangos de Precios"), QStringLiteral("IncrementoPrecios"),
+         [](const Sesion& s) -> QWidget* { return new TRangosF(s); }},
+        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Kits"),
+         QStringLiteral("Artículos Compuestos (Kits)"), QStringLiteral("Kits"),
+         [](const Sesion& s) -> QWidget* { return new TKitsF(s); }},
+        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("UtileriasProductos"),
+         QStringLiteral("Utilerías de Productos"), QStringLiteral("Configuracion"),
+         [](const Sesion& s) -> QWidget* { return new TUtileriasProductosF(s); }},
+        {QStringLiteral("Punto de Venta"), QStringLiteral("AsignaMonedero"),
+         QStringLiteral("Asigna Monedero Electrónico"), QStringLiteral("Monedero"),
+         [](const Sesion& s) -> QWidget* { return new TAsignaMonederoElectronicoF(s); }},
     };
     return modulos;
 }

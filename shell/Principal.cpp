@@ -131,6 +131,7 @@ void TCajaplexF::EmpresaAceptada(int indice) {
 
 void TCajaplexF::abreSesion(const Sesion& sesion) {
     sesion_ = sesion;
+    sesion_.DispositivoID = ajustes_.dispositivoID();
     sesionAbierta_ = true;
     setWindowTitle(QStringLiteral("Cajaplex - ") + sesion_.NombreEmpresa);
     menu_ = new TMenuPrimarioF(sesion_, paginas_);
@@ -166,6 +167,10 @@ void TCajaplexF::abrePantalla(QWidget* pantalla, const QString& titulo) {
         regresa();
     });
     pantalla->installEventFilter(this);
+    // Una pantalla que es a su vez un menú (utilerías) abre las suyas igual que el menú principal.
+    if (pantalla->metaObject()->indexOfSignal("abreModulo(QWidget*,QString)") >= 0)
+        connect(pantalla, SIGNAL(abreModulo(QWidget*, QString)), this,
+                SLOT(abrePantalla(QWidget*, QString)));
     paginas_->addWidget(marco);
     paginas_->setCurrentWidget(marco);
 }
@@ -174,6 +179,14 @@ void TCajaplexF::regresa() {
     const int tope = paginas_->count() - 1;
     QWidget* marco = paginas_->widget(tope);
     if (marco == VentanaDeLogeo || marco == menu_) return;
+    // La pantalla decide si se puede cerrar (cambios sin guardar): se le pide como a una ventana.
+    auto* pantalla = qobject_cast<QWidget*>(marco->property(kPantalla).value<QObject*>());
+    if (pantalla && !pantalla->isHidden()) {
+        regresando_ = true;
+        const bool cerrada = pantalla->close();
+        regresando_ = false;
+        if (!cerrada) return;
+    }
     cierraPantallasSobre(paginas_->widget(tope - 1));
 }
 
@@ -192,12 +205,14 @@ void TCajaplexF::cierraPantallasSobre(QWidget* pagina) {
 }
 
 bool TCajaplexF::eventFilter(QObject* objeto, QEvent* evento) {
-    // Una pantalla que se cierra sola (close()) vuelve a la anterior como con "Regresar".
-    if (evento->type() == QEvent::Close && paginas_->count() > 0) {
+    // Una pantalla que se cierra sola (close() aceptado la oculta) vuelve a la anterior como con
+    // "Regresar". Ocultarse porque otra página la tapa no cuenta: ahí no queda oculta ella misma.
+    if (evento->type() == QEvent::Hide && !regresando_ && paginas_->count() > 0) {
         QWidget* tope = paginas_->widget(paginas_->count() - 1);
-        if (tope->property(kPantalla).value<QObject*>() == objeto) {
+        auto* pantalla = qobject_cast<QWidget*>(objeto);
+        if (pantalla && pantalla->isHidden() &&
+            tope->property(kPantalla).value<QObject*>() == objeto)
             QTimer::singleShot(0, this, &TCajaplexF::regresa);
-        }
     }
     return QWidget::eventFilter(objeto, evento);
 }

@@ -33,9 +33,11 @@ public:
     AjustesEstacion& ajustes() { return ajustes_; }
     TCuadroLogeo* cuadroLogeo() const { return VentanaDeLogeo; }
 
+public slots:
     // Pone una pantalla encima de la actual; la ventana se queda con ella.
     void abrePantalla(QWidget* pantalla, const QString& titulo);
-    // Cierra la pantalla de encima y vuelve a la anterior (nunca quita el acceso ni el menú).
+    // Pide cerrar la pantalla de encima (puede negarse) y vuelve a la anterior; nunca quita el
+    // acceso ni el menú.
     void regresa();
 
 private slots:
@@ -63,6 +65,7 @@ private:
     bool sesionAbierta_ = false;
     bool validando_ = false;
     bool cerrando_ = false;
+    bool regresando_ = false;
     QStackedWidget* paginas_;
     TCuadroLogeo* VentanaDeLogeo;
     TMenuPrimarioF* menu_ = nullptr;

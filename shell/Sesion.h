@@ -19,6 +19,8 @@ struct Sesion {
     bool controlRestaurantes = false;
     QByteArray Logotipo1;
     bool esAdmin = false;
+    // Identificador de la estación (Cajaplex.ini), para las pantallas que revisan su autorización.
+    QString DispositivoID;
 };
 
 } // namespace cajaplex

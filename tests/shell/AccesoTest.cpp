@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QCloseEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTemporaryDir>
@@ -190,6 +192,39 @@ TEST_F(AccesoTest, CajeroEntraDirectoGuardaElServidorYCierraSesion) {
     EXPECT_TRUE(v->cuadroLogeo()->isVisible());
     EXPECT_TRUE(control<QLineEdit>(*v, "ContrasenaUsuario")->text().isEmpty());
     EXPECT_TRUE(esperaHasta([&] { return v->findChild<TMenuPrimarioF*>() == nullptr; }));
+}
+
+// Una pantalla con cambios sin guardar puede negarse a cerrar.
+class PantallaRenuente : public QWidget {
+public:
+    bool permite = false;
+
+protected:
+    void closeEvent(QCloseEvent* evento) override { evento->setAccepted(permite); }
+};
+
+TEST_F(AccesoTest, RegresarRespetaLaPantallaYUnCloseDeLaPantallaRegresa) {
+    auto v = abreVentana();
+    EXPECT_TRUE(ingresa(*v, "cajero", "cajero").isEmpty());
+    auto* renuente = new PantallaRenuente;
+    QPointer<PantallaRenuente> vigia(renuente);
+    v->abrePantalla(renuente, "Con cambios");
+    QTest::mouseClick(control<QPushButton>(*v, "BotonRegresar"), Qt::LeftButton);
+    QTest::qWait(30);
+    ASSERT_TRUE(vigia);
+    EXPECT_TRUE(renuente->isVisible()); // se negó: sigue a la vista
+
+    renuente->permite = true;
+    QTest::mouseClick(control<QPushButton>(*v, "BotonRegresar"), Qt::LeftButton);
+    EXPECT_TRUE(esperaHasta([&] { return vigia.isNull(); }));
+    EXPECT_TRUE(control<TMenuPrimarioF>(*v, "MenuPrimario")->isVisible());
+
+    auto* sola = new QWidget;
+    QPointer<QWidget> vigiaSola(sola);
+    v->abrePantalla(sola, "Se cierra sola");
+    sola->close();
+    EXPECT_TRUE(esperaHasta([&] { return vigiaSola.isNull(); }));
+    EXPECT_TRUE(control<TMenuPrimarioF>(*v, "MenuPrimario")->isVisible());
 }
 
 TEST_F(AccesoTest, ComillasEnUsuarioYContrasenaNoLleganAlSql) {

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <QWidget>
+
+#include "CatalogoLineas.h"
+#include "ComposicionKits.h"
+#include "Consulta.h"
+#include "Mensajes.h"
+#include "Sesion.h"
+
+class QCloseEvent;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QListWidget;
+class QListWidgetItem;
+class QModelIndex;
+class QPushButton;
+class QTabWidget;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace cajaplex {
+
+class ModeloProductos;
+
+// "Artículos Compuestos (Kits)": la lista de kits con su filtro local y la composición del kit
+// elegido, con los productos "Disponibles" (por línea o por búsqueda, nunca otro kit) y los
+// "Seleccionados" (la lista de trabajo KitDetalles) con su costo. Almacenar reemplaza la
+// composición entera. Salir con cambios sin almacenar pregunta primero.
+class TKitsF : public QWidget {
+    Q_OBJECT
+public:
+    explicit TKitsF(const Sesion& sesion, QWidget* padre = nullptr);
+
+    // Lo que guarda cada renglón de "ListaKits" y cada nodo de "Lineas".
+    enum Rol { RolKitID = Qt::UserRole + 1, RolLineaID };
+
+    // Las opciones de "Seleccione el Tipo de Operación", en su orden.
+    static const QStringList& tiposOperacion();
+    // La pregunta al salir con cambios sin almacenar.
+    static QString preguntaSalir();
+
+protected:
+    void closeEvent(QCloseEvent* evento) override;
+
+private slots:
+    void FiltroKitsChange(const QString& texto);
+    void ListaKitsItemClick(QListWidgetItem* item);
+    void LineasItemClick(QTreeWidgetItem* item);
+    void BuscarProductoReturnPressed();
+    void ClaveProductoReturnPressed();
+    void ProductosDisponiblesClick(const QModelIndex& indice);
+    void BotonCantidadClick();
+    void BotonSubirClick();
+    void BotonBajarClick();
+    void BotonBorrarClick();
+    void BotonAlmacenarClick();
+    void BotonSalirClick();
+
+private:
+    QWidget* creaPaginaKits();
+    QWidget* creaPaginaComposicion();
+
+    void CargaInformacionTimer();
+    void CargaComponentesTimer(const KitListado& kit);
+    void CargaDisponiblesTimer(const QString& sql);
+    void AgregaProductoTimer(int64_t productoID);
+    void AgregaClaveTimer(const QString& clave);
+    void AlmacenaKitTimer(int tipoOperacion);
+    void agrega(const ComponenteKit& componente);
+    void entregaDocumento(int tipoOperacion);
+    int filaElegida() const;
+    void actualizaPies();
+    void actualizaAcciones();
+    void error(const QString& mensaje);
+
+    const Sesion& sesion_;
+    Mensajes mensajes_{this};
+    CatalogoKits catalogo_;
+    CatalogoLineas lineas_;
+    Consulta ListadoProductos;
+    std::vector<KitListado> kits_;
+    std::optional<KitListado> kit_;
+    std::vector<ComponenteKit> anteriores_; // la composición como está almacenada
+    KitDetalles* detalles_;
+    ModeloProductos* disponibles_;
+    bool saliendo_ = false; // ya se preguntó
+
+    QTabWidget* paginas_;         // "Paginas"
+    QLineEdit* filtroKits_;       // "FiltroKits"
+    QListWidget* listaKits_;      // "ListaKits"
+    QLabel* pieKits_;             // "PieKits"
+    QLabel* kitSeleccionado_;     // "KitSeleccionado"
+    QLineEdit* claveProducto_;    // "ClaveProducto"
+    QLineEdit* buscarProducto_;   // "BuscarProducto"
+    QTreeWidget* arbolLineas_;    // "Lineas"
+    QLabel* tituloDisponibles_;   // "TituloDisponibles"
+    QListView* listaDisponibles_; // "ProductosDisponibles"
+    QListView* listaDetalles_;    // "KitDetalles"
+    QLabel* total_;               // "TotalKit"
+    QPushButton* cantidad_;       // "BotonCantidad"
+    QPushButton* subir_;          // "BotonSubir"
+    QPushButton* bajar_;          // "BotonBajar"
+    QPushButton* borrar_;         // "BotonBorrar"
+};
+
+} // namespace cajaplex

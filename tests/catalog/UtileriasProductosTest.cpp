@@ -1,0 +1,347 @@
+// Utilerías de productos contra el servicio real de demostración: el menú, el incremento de
+// precios por línea o de toda la empresa y el valor de inventario con su exportación.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <map>
+#include <memory>
+#include <string>
+
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QProcess>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeWidget>
+
+#include "AsignaMonederoElectronico.h"
+#include "IncrementoPrecios.h"
+#include "Mensajes.h"
+#include "Productos.h"
+#include "PruebaPantallas.h"
+#include "Sonidos.h"
+#include "UtileriasProductos.h"
+#include "ValorInventario.h"
+
+namespace cajaplex {
+namespace {
+
+using namespace prueba;
+using Precios = std::array<double, 6>; // costo y los cinco precios
+
+class UtileriasProductosTest : public ConPantallas {
+protected:
+    template <typename T> std::unique_ptr<T> abre() {
+        sesion_ = sesion(QStringLiteral("admin"), 1);
+        auto f = std::make_unique<T>(sesion_);
+        f->resize(1366, 768);
+        f->show();
+        espera(*f);
+        Mensajes::ultimos();
+        Sonidos::reproducidos();
+        return f;
+    }
+
+    static void espera(const QWidget& w) {
+        EXPECT_TRUE(esperaHasta(
+            [&] {
+                auto* l =
+                    w.findChild<QLabel*>(QStringLiteral("Leyenda"), Qt::FindDirectChildrenOnly);
+                return !l || l->isHidden();
+            },
+            10000));
+    }
+
+    template <typename T> static T* control(const QWidget& f, const char* nombre) {
+        auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
+        EXPECT_NE(w, nullptr) << nombre;
+        return w;
+    }
+
+    static QString pagina(const QWidget& f) {
+        return control<QStackedWidget>(f, "Paginas")->currentWidget()->objectName();
+    }
+
+    static void siguiente(const QWidget& f) {
+        QTest::mouseClick(control<QPushButton>(f, "GrupoBotonSiguiente"), Qt::LeftButton);
+        espera(f);
+    }
+
+    static void eligeLinea(const QWidget& f, const QString& texto) {
+        auto* arbol = control<QTreeWidget>(f, "Lineas");
+        QTreeWidgetItem* item =
+            arbol->findItems(texto, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+        ASSERT_NE(item, nullptr) << texto.toStdString();
+        arbol->scrollToItem(item);
+        QTest::mouseClick(arbol->viewport(), Qt::LeftButton, {},
+                          arbol->visualItemRect(item).center());
+    }
+
+    static void eligeReferencia(const QWidget& f, int fila) {
+        auto* lista = control<QListWidget>(f, "ValoresReferencia");
+        QTest::mouseClick(lista->viewport(), Qt::LeftButton, {},
+                          lista->visualItemRect(lista->item(fila)).center());
+    }
+
+    static void porcentaje(const QWidget& f, int nivel, const QString& texto) {
+        control<QLineEdit>(f, ("PorcentajePrecio" + std::to_string(nivel)).c_str())->setText(texto);
+    }
+
+    // Los cinco precios nuevos de la vista previa, por clave.
+    static std::map<QString, std::array<double, 5>> vistaPrevia(const QWidget& f) {
+        auto* tabla = control<QTableWidget>(f, "Productos");
+        std::map<QString, std::array<double, 5>> nuevos;
+        for (int r = 0; r < tabla->rowCount(); ++r)
+            for (int i = 0; i < 5; ++i)
+                nuevos[tabla->item(r, 0)->text()][static_cast<size_t>(i)] =
+                    tabla->item(r, 5 + 2 * i)->data(Qt::UserRole).toDouble();
+        return nuevos;
+    }
+
+    Precios precios(long long empresa, const std::string& clave) {
+        const Json f = c.exige("Select pCompra, precio, precio2, precio3, precio4, precio5 From "
+                               "Productos Where empresaID = :e and clave = :c",
+                               {{"e", entero(empresa)}, {"c", texto(clave)}})
+                           .filas()
+                           .at(0);
+        Precios p{};
+        for (size_t i = 0; i < p.size(); ++i)
+            p[i] = f.at(i).get<double>();
+        return p;
+    }
+
+    // Todos los precios fuera de un alcance, para ver que nada más cambió.
+    std::string preciosFuera(const std::string& condicion) {
+        return c
+            .valor("Select group_concat(empresaID || clave || ':' || precio || ',' || precio2 || "
+                   "',' || precio3 || ',' || precio4 || ',' || precio5, ';') From Productos "
+                   "Where not (" +
+                   condicion + ")")
+            .get<std::string>();
+    }
+
+    Sesion sesion_;
+};
+
+TEST_F(UtileriasProductosTest, MenuConSusUtileriasEnOrdenYCadaUnaAbreSuPantalla) {
+    auto f = abre<TUtileriasProductosF>();
+    QStringList titulos;
+    for (const QPushButton* b : f->findChildren<QPushButton*>())
+        if (b->objectName().startsWith(QStringLiteral("Boton"))) titulos << b->text();
+    EXPECT_EQ(titulos, (QStringList{"Incremento de Precios", "Kardex de Movimientos",
+                                    "Valor de Inventario", "Asigna Monedero Electrónico"}));
+
+    QWidget* abierta = nullptr;
+    QString titulo;
+    QObject::connect(f.get(), &TUtileriasProductosF::abreModulo, [&](QWidget* w, const QString& t) {
+        abierta = w;
+        titulo = t;
+    });
+    auto oprime = [&](const char* boton) {
+        QTest::mouseClick(control<QPushButton>(*f, boton), Qt::LeftButton);
+        std::unique_ptr<QWidget> pantalla(abierta);
+        abierta = nullptr;
+        return pantalla;
+    };
+    EXPECT_NE(dynamic_cast<TIncrementoPreciosF*>(oprime("BotonIncrementoPrecios").get()), nullptr);
+    EXPECT_NE(dynamic_cast<TProductosF*>(oprime("BotonKardexMovimientos").get()), nullptr);
+    EXPECT_NE(dynamic_cast<TValorInventarioF*>(oprime("BotonValorInventario").get()), nullptr);
+    auto monedero = oprime("BotonAsignaMonedero");
+    EXPECT_NE(dynamic_cast<TAsignaMonederoElectronicoF*>(monedero.get()), nullptr);
+    EXPECT_EQ(titulo, "Asigna Monedero Electrónico");
+    EXPECT_EQ(monedero->windowTitle(), "Incremento de Precios");
+}
+
+TEST_F(UtileriasProductosTest, IncrementoDesdeCostoRepreciaLaLineaConInactivosYAuditoria) {
+    c.exige("Update Productos Set activo = 0 Where empresaID = 1 and clave = '1003'");
+    // La otra empresa con un producto en una línea del mismo ID: no debe tocarse.
+    c.exige("Insert Into Productos (empresaID, clave, producto, unidad, linea, pCompra, precio, "
+            "precio2, precio3, precio4, precio5) Values (2, 'AJ6', 'Ajeno', 11, 6, 10, 20, 20, 20, "
+            "20, 20)");
+    const std::string fuera = preciosFuera("empresaID = 1 and linea = 6");
+    const Precios lenteja = precios(1, "1004");
+    auto f = abre<TIncrementoPreciosF>();
+
+    siguiente(*f);
+    eligeLinea(*f, "Granos y Semillas");
+    siguiente(*f);
+    siguiente(*f);
+    eligeReferencia(*f, 0);
+    siguiente(*f);
+    porcentaje(*f, 2, QString());
+    siguiente(*f);
+    EXPECT_EQ(Mensajes::ultimos(),
+              (QStringList{"Debe seleccionar una línea", "Debe seleccionar un valor de referencia",
+                           "Debe introducir al menos un porcentaje de "
+                           "incremento"}));
+    EXPECT_EQ(Sonidos::reproducidos(), (QList<Sonido>{Sonido::Error, Sonido::Click, Sonido::Error,
+                                                      Sonido::Click, Sonido::Error}));
+    EXPECT_EQ(pagina(*f), "EstablecePorcentajes");
+
+    porcentaje(*f, 1, QStringLiteral("10"));
+    porcentaje(*f, 4, QStringLiteral("2.5"));
+    siguiente(*f);
+    ASSERT_EQ(pagina(*f), "VistaPrevia");
+    auto* tabla = control<QTableWidget>(*f, "Productos");
+    QStringList columnas;
+    for (int i = 0; i < tabla->columnCount(); ++i)
+        columnas << tabla->horizontalHeaderItem(i)->text();
+    EXPECT_EQ(columnas, (QStringList{"Clave", "Descripción", "Unidad", "Costo", "Precio 1",
+                                     "Nuevo 1", "Precio 2", "Nuevo 2", "Precio 3", "Nuevo 3",
+                                     "Precio 4", "Nuevo 4", "Precio 5", "Nuevo 5"}));
+    const auto nuevos = vistaPrevia(*f);
+    ASSERT_EQ(nuevos.size(), 3u); // el inactivo no se lista
+    EXPECT_EQ(control<QLabel>(*f, "PieProductos")->text(), "Total Productos: 3");
+    EXPECT_EQ(tabla->item(2, 0)->text(), "1004");
+    EXPECT_EQ(tabla->item(2, 5)->text(), "$19.80");
+
+    Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
+    siguiente(*f);
+    EXPECT_EQ(Mensajes::ultimos(),
+              (QStringList{"¿Desea Almacenar los Cambios?", "Proceso finalizado con Éxito"}));
+    EXPECT_EQ(pagina(*f), "SeleccionaLinea");
+
+    for (const auto& [clave, esperados] : nuevos) {
+        const Precios p = precios(1, clave.toStdString());
+        for (size_t i = 0; i < esperados.size(); ++i)
+            EXPECT_EQ(p[i + 1], esperados[i]) << clave.toStdString() << " nivel " << i + 1;
+    }
+    // Nivel 1: costo más 10 % sin importar el precio anterior; los niveles en 0 o vacíos quedan
+    // en el costo.
+    const Precios l = precios(1, "1004");
+    EXPECT_DOUBLE_EQ(l[1], lenteja[0] * 1.10);
+    EXPECT_EQ(l[2], lenteja[0]);
+    EXPECT_EQ(l[3], lenteja[0]);
+    EXPECT_DOUBLE_EQ(l[4], lenteja[0] * 1.025);
+    const Precios inactivo = precios(1, "1003");
+    EXPECT_DOUBLE_EQ(inactivo[1], inactivo[0] * 1.10);
+    EXPECT_EQ(inactivo[5], inactivo[0]);
+    EXPECT_EQ(preciosFuera("empresaID = 1 and linea = 6"), fuera);
+    EXPECT_EQ(c.cuenta("AuditoriasSistema Where empresaID = 1 and tipoAuditoria = "
+                       "'Actualización' and moduloSistema = 'Catálogos -> Incremento de Precios' "
+                       "and datoNuevo = 'Línea: Granos y Semillas, Referencia: COSTO, "
+                       "Porcentajes: 10.00, 0.00, 0.00, 2.50, 0.00'"),
+              1);
+}
+
+TEST_F(UtileriasProductosTest, TodosLosProductosRepreciaLaEmpresaYUnaLineaVaciaSeRechaza) {
+    c.exige("Insert Into Lineas (empresaID, linea, padre) Values (1, 'Vacía', 0)");
+    c.exige("Update Productos Set activo = 0 Where empresaID = 1 and clave = '1005'");
+    const std::string otraEmpresa = preciosFuera("empresaID = 1");
+    auto f = abre<TIncrementoPreciosF>();
+
+    eligeLinea(*f, "Vacía");
+    siguiente(*f);
+    eligeReferencia(*f, 1);
+    siguiente(*f);
+    porcentaje(*f, 5, QStringLiteral("5"));
+    siguiente(*f);
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{"No hay productos para incrementar precios"});
+    EXPECT_EQ(pagina(*f), "EstablecePorcentajes");
+
+    QTest::mouseClick(control<QPushButton>(*f, "GrupoBotonAnterior"), Qt::LeftButton);
+    QTest::mouseClick(control<QPushButton>(*f, "GrupoBotonAnterior"), Qt::LeftButton);
+    eligeLinea(*f, "TODOS LOS PRODUCTOS");
+    siguiente(*f);
+    siguiente(*f); // la referencia y los porcentajes siguen elegidos
+    siguiente(*f);
+    ASSERT_EQ(pagina(*f), "VistaPrevia");
+    EXPECT_EQ(static_cast<long long>(vistaPrevia(*f).size()),
+              c.cuenta("Productos Where empresaID = 1 and activo = 1"));
+
+    Mensajes::respondeSiguiente(cajaplex::Respuesta::Cancelar);
+    siguiente(*f);
+    const long long sinCambio = c.cuenta("Productos Where empresaID = 1 and precio5 = precio");
+    EXPECT_EQ(sinCambio, 0);
+
+    Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
+    siguiente(*f);
+    EXPECT_EQ(Mensajes::ultimos().last(), "Proceso finalizado con Éxito");
+    // Desde "PRECIO 1": los niveles en 0 quedan igual al precio 1 y el 5 sube 5 %, incluso el
+    // producto inactivo.
+    EXPECT_EQ(c.cuenta("Productos Where empresaID = 1 and (precio2 <> precio or precio3 <> precio "
+                       "or precio4 <> precio or abs(precio5 - precio * 1.05) > 1e-9)"),
+              0);
+    EXPECT_EQ(preciosFuera("empresaID = 1"), otraEmpresa);
+}
+
+TEST_F(UtileriasProductosTest, ValorInventarioSoloConExistenciaYCostoConTotalesYExportacion) {
+    c.exige("Update Productos Set pCompra = 0 Where empresaID = 1 and clave = '1001'");
+    c.exige("Update Productos Set existencia = 0 Where empresaID = 1 and clave = '1005'");
+    c.exige("Update Productos Set existencia = -3 Where empresaID = 1 and clave = '1002'");
+    auto f = abre<TValorInventarioF>();
+    EXPECT_TRUE(Mensajes::ultimos().isEmpty());
+
+    auto* lista = control<QTableWidget>(*f, "ListaValorInventario");
+    QStringList claves;
+    for (int r = 0; r < lista->rowCount(); ++r)
+        claves << lista->item(r, 0)->text();
+    for (const char* fuera : {"1001", "1002", "1005", "9001", "PAQ01", "E01"})
+        EXPECT_FALSE(claves.contains(QString::fromLatin1(fuera))) << fuera;
+    EXPECT_TRUE(claves.contains("1003"));
+    const long long productos = c.cuenta("Productos Where empresaID = 1 and existencia > 0 and "
+                                         "pCompra > 0");
+    EXPECT_EQ(lista->rowCount(), productos);
+    EXPECT_EQ(control<QLabel>(*f, "PieValorInventario")->text(),
+              QStringLiteral("Total Productos: ") + QString::number(productos));
+
+    // Cada total es la suma de su columna, y el de costo coincide con la base.
+    auto* totales = control<QTableWidget>(*f, "TotalesValorInventario");
+    for (int columna = 6; columna < 12; ++columna) {
+        double suma = 0.0;
+        for (int r = 0; r < lista->rowCount(); ++r)
+            suma += lista->item(r, columna)->data(Qt::UserRole).toDouble();
+        EXPECT_NEAR(totales->item(0, columna)->data(Qt::UserRole).toDouble(), suma, 1e-6);
+    }
+    EXPECT_NEAR(totales->item(0, 6)->data(Qt::UserRole).toDouble(),
+                c.valor("Select sum(pCompra * existencia) From Productos Where empresaID = 1 "
+                        "and existencia > 0 and pCompra > 0")
+                    .get<double>(),
+                1e-6);
+    EXPECT_NEAR(totales->item(0, 11)->data(Qt::UserRole).toDouble(),
+                c.valor("Select sum(precio5 * existencia) From Productos Where empresaID = 1 "
+                        "and existencia > 0 and pCompra > 0")
+                    .get<double>(),
+                1e-6);
+
+    QTemporaryDir carpeta;
+    const QString archivo = carpeta.filePath(QStringLiteral("valor.xlsx"));
+    ASSERT_TRUE(f->exportaA(archivo));
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{"Archivo generado: " + archivo});
+    auto descomprime = [&](const char* parte) {
+        QProcess unzip;
+        unzip.start(QStringLiteral("unzip"), {QStringLiteral("-p"), archivo, parte});
+        EXPECT_TRUE(unzip.waitForFinished(10000));
+        EXPECT_EQ(unzip.exitCode(), 0) << parte;
+        return QString::fromUtf8(unzip.readAllStandardOutput());
+    };
+    // Encabezado, un renglón por producto y los totales.
+    EXPECT_EQ(descomprime("xl/worksheets/sheet1.xml").count(QStringLiteral("<row ")),
+              productos + 2);
+    const QString textos = descomprime("xl/sharedStrings.xml");
+    EXPECT_TRUE(textos.contains("Valor Precio 5"));
+    EXPECT_TRUE(textos.contains("TOTALES"));
+    EXPECT_TRUE(textos.contains("Frijol pinto 1 kg"));
+
+    const QString imposible = carpeta.filePath(QStringLiteral("no/existe/valor.xlsx"));
+    EXPECT_FALSE(f->exportaA(imposible));
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{"No se pudo generar el archivo: " + imposible});
+    EXPECT_EQ(Sonidos::reproducidos(), QList<Sonido>{Sonido::Error});
+
+    // Servicio caído: el mensaje de lectura y nada que exportar.
+    servicio.detiene();
+    TValorInventarioF otra(sesion_);
+    otra.show();
+    espera(otra);
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{MensajeErrorLectura});
+    EXPECT_EQ(control<QTableWidget>(otra, "ListaValorInventario")->rowCount(), 0);
+    EXPECT_FALSE(control<QPushButton>(otra, "BotonExportar")->isEnabled());
+}
+
+} // namespace
+} // namespace cajaplex

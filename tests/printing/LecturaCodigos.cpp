@@ -1,0 +1,61 @@
+#define ZX_USE_UTF8
+#include "LecturaCodigos.h"
+
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include <ZXing/ReadBarcode.h>
+
+#include <QApplication>
+#include <QPainter>
+#include <QPdfDocument>
+
+#include "CodigoBarras.h"
+
+namespace cajaplex::prueba {
+namespace {
+
+// QPdfWriter y QPdfDocument piden una aplicación gráfica; gtest_main trae su propio main.
+class EntornoQt : public ::testing::Environment {
+public:
+    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
+    void TearDown() override { app_.reset(); }
+
+private:
+    int argc_ = 1;
+    char nombre_[16] = "PruebaImpresion";
+    char* argv_[2] = {nombre_, nullptr};
+    std::unique_ptr<QApplication> app_;
+};
+
+[[maybe_unused]] ::testing::Environment* const entorno =
+    ::testing::AddGlobalTestEnvironment(new EntornoQt);
+
+} // namespace
+
+Lectura leeCodigo(const QImage& imagen) {
+    const QImage gris = imagen.convertToFormat(QImage::Format_Grayscale8);
+    const ZXing::ImageView vista(gris.constBits(), gris.width(), gris.height(),
+                                 ZXing::ImageFormat::Lum, static_cast<int>(gris.bytesPerLine()));
+    const ZXing::Result r = ZXing::ReadBarcode(
+        vista, ZXing::DecodeHints().setTryHarder(true).setReturnCodabarStartEnd(true));
+    return r.isValid() ? Lectura{r.text(), r.orientation()} : Lectura{};
+}
+
+QImage paginaPdf(QPdfDocument& documento, int pagina, int ppp) {
+    const QSize tamano = (documento.pagePointSize(pagina) * ppp / 72.0).toSize();
+    QImage hoja(tamano, QImage::Format_RGB32);
+    hoja.fill(Qt::white);
+    QPainter(&hoja).drawImage(0, 0, documento.render(pagina, tamano));
+    return hoja;
+}
+
+int simbologia(const QString& nombre) {
+    for (const Simbologia& s : simbologias())
+        if (s.nombre == nombre) return s.codigo;
+    ADD_FAILURE() << "No se ofrece " << nombre.toStdString();
+    return 0;
+}
+
+} // namespace cajaplex::prueba
