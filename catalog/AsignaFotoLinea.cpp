@@ -1,20 +1,14 @@
 #include "AsignaFotoLinea.h"
 
-#include <algorithm>
-
-#include <QBuffer>
-#include <QFileDialog>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QLabel>
 #include <QPushButton>
-#include <QStandardPaths>
-#include <QTransform>
 #include <QVBoxLayout>
 #include <QtDebug>
 
 #include "Auditoria.h"
 #include "CatalogoLineas.h"
+#include "Fotos.h"
 #include "HojaEstilo.h"
 #include "Leyenda.h"
 #include "ModuloDatos.h"
@@ -32,14 +26,6 @@ const char* const SqlEliminaFoto = "Update Lineas Set Foto = Null, miniatura = N
 
 constexpr int kAltoBoton = 48;
 const QSize kVistaPrevia(420, 320);
-
-QByteArray codifica(const QImage& imagen, const char* formato, int calidad = -1) {
-    QByteArray bytes;
-    QBuffer bufer(&bytes);
-    bufer.open(QIODevice::WriteOnly);
-    imagen.save(&bufer, formato, calidad);
-    return bytes;
-}
 
 QPushButton* boton(const QString& nombre, const QString& texto, const QString& imagen,
                    QWidget* padre) {
@@ -147,21 +133,17 @@ void TAsignaFotoLineaF::CargaFotoTimer() {
 
 void TAsignaFotoLineaF::SeleccionarFotoClick() {
     Sonidos::reproduce(Sonido::Click);
-    const QString ruta = QFileDialog::getOpenFileName(
-        this, QStringLiteral("Seleccione la Foto"),
-        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
-        QStringLiteral("Imágenes (*.png *.jpg *.jpeg *.bmp *.gif *.webp *.svg);;Todos (*)"));
+    const QString ruta = eligeArchivoImagen(this);
     if (!ruta.isEmpty()) cargaArchivo(ruta);
 }
 
 void TAsignaFotoLineaF::cargaArchivo(const QString& ruta) {
-    QImageReader lector(ruta);
-    lector.setAutoTransform(true); // respeta la orientación con que la tomó la cámara
-    const QImage leida = lector.read();
+    QString motivo;
+    const QImage leida = leeImagen(ruta, &motivo);
     if (leida.isNull()) {
         // Lo que se veía antes se queda.
         error(QStringLiteral("No seleccionó un archivo de Imagen válido"));
-        qWarning() << "Foto de la Línea:" << ruta << lector.errorString();
+        qWarning() << "Foto de la Línea:" << ruta << motivo;
         return;
     }
     imagen_ = leida;
@@ -176,7 +158,7 @@ void TAsignaFotoLineaF::RotarFotoClick() {
 }
 
 void TAsignaFotoLineaF::RotaFotoTimer() {
-    imagen_ = imagen_.transformed(QTransform().rotate(90), Qt::SmoothTransformation);
+    imagen_ = giraImagen(imagen_);
     pendiente_ = true;
     muestraImagen();
 }
@@ -188,17 +170,8 @@ void TAsignaFotoLineaF::AlmacenarFotoClick() {
 }
 
 void TAsignaFotoLineaF::ModificaFotoTimer() {
-    QImage reducida = imagen_;
-    if (std::max(reducida.width(), reducida.height()) > LadoMaximoFoto)
-        reducida = reducida.scaled(LadoMaximoFoto, LadoMaximoFoto, Qt::KeepAspectRatio,
-                                   Qt::SmoothTransformation);
-    // JPEG para fotos; PNG si tiene transparencia, que JPEG perdería.
-    const QByteArray foto =
-        reducida.hasAlphaChannel() ? codifica(reducida, "PNG") : codifica(reducida, "JPG", 85);
-    const QByteArray miniatura =
-        codifica(imagen_.scaled(TamanoMiniatura, TamanoMiniatura, Qt::KeepAspectRatio,
-                                Qt::SmoothTransformation),
-                 "PNG");
+    const QByteArray foto = fotoParaGuardar(imagen_, LadoMaximoFoto);
+    const QByteArray miniatura = miniaturaDe(imagen_, TamanoMiniatura);
     try {
         ModificaFoto.parametro(QStringLiteral("Foto")).blob(foto);
         ModificaFoto.parametro(QStringLiteral("Miniatura")).blob(miniatura);

@@ -1,6 +1,9 @@
 #include "Productos.h"
 
+#include <memory>
+
 #include <QCalendarWidget>
+#include <QCloseEvent>
 #include <QDateEdit>
 #include <QFrame>
 #include <QGridLayout>
@@ -15,6 +18,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScroller>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -26,6 +30,7 @@
 #include "HojaEstilo.h"
 #include "Leyenda.h"
 #include "ModuloDatos.h"
+#include "ProductosEdita.h"
 #include "RolesRenglon.h"
 #include "Sonidos.h"
 
@@ -128,9 +133,18 @@ TProductosF::TProductosF(const Sesion& sesion, QWidget* padre)
     paginas_->setTabEnabled(PaginaFechas, false);
     paginas_->setTabEnabled(PaginaKardex, false);
 
+    auto* catalogo = new QWidget;
+    catalogo->setObjectName(QStringLiteral("CatalogoProductos"));
+    auto* capaCatalogo = new QVBoxLayout(catalogo);
+    capaCatalogo->setContentsMargins(0, 0, 0, 0);
+    capaCatalogo->addWidget(buscarProducto_);
+    capaCatalogo->addWidget(paginas_, 1);
+    contenido_ = new QStackedWidget(this);
+    contenido_->setObjectName(QStringLiteral("ContenidoProductos"));
+    contenido_->addWidget(catalogo);
+
     auto* capa = new QVBoxLayout(this);
-    capa->addWidget(buscarProducto_);
-    capa->addWidget(paginas_, 1);
+    capa->addWidget(contenido_);
 
     ejecutaConLeyenda(this, QStringLiteral("Cargando Información"), [this] { CargaLineasTimer(); });
 }
@@ -192,9 +206,21 @@ QWidget* TProductosF::creaPaginaProductos() {
     QScroller::grabGesture(productos_->viewport(), QScroller::LeftMouseButtonGesture);
     connect(productos_->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &TProductosF::actualizaAcciones);
+    connect(productos_, &QListView::activated, this, &TProductosF::ProductosItemActivated);
 
     pieProductos_ = etiqueta(QStringLiteral("Total Registros: 0"), QStringLiteral("PieProductos"),
                              "pie", pagina);
+    botonModificar_ = new QPushButton(icono(QStringLiteral("Actualizacion")),
+                                      QStringLiteral("Modificar"), pagina);
+    botonModificar_->setObjectName(QStringLiteral("BotonModificar"));
+    botonModificar_->setMinimumHeight(kAltoControl);
+    ponEstilo(botonModificar_, "primario");
+    connect(botonModificar_, &QPushButton::clicked, this, &TProductosF::BotonModificarClick);
+    botonNuevo_ = new QPushButton(icono(QStringLiteral("Insercion")),
+                                  QStringLiteral("Nuevo Producto"), pagina);
+    botonNuevo_->setObjectName(QStringLiteral("BotonNuevoProducto"));
+    botonNuevo_->setMinimumHeight(kAltoControl);
+    connect(botonNuevo_, &QPushButton::clicked, this, &TProductosF::BotonNuevoProductoClick);
     botonKardex_ =
         new QPushButton(icono(QStringLiteral("Kardex")), QStringLiteral("Kardex"), pagina);
     botonKardex_->setObjectName(QStringLiteral("BotonKardex"));
@@ -209,6 +235,8 @@ QWidget* TProductosF::creaPaginaProductos() {
 
     auto* abajo = new QHBoxLayout;
     abajo->addWidget(pieProductos_, 1);
+    abajo->addWidget(botonNuevo_);
+    abajo->addWidget(botonModificar_);
     abajo->addWidget(botonKardex_);
     abajo->addWidget(botonBorrar_);
 
@@ -492,10 +520,11 @@ void TProductosF::asignaFoto(QTreeWidgetItem* item) {
 }
 
 void TProductosF::verProductos(QTreeWidgetItem* item) {
-    const QString sql = sqlProductosXLinea(sesion_.EmpresaID, idDe(item));
+    const int64_t linea = idDe(item);
+    const QString sql = sqlProductosXLinea(sesion_.EmpresaID, linea);
     const QString titulo = rutaDe(item);
     ejecutaConLeyenda(this, QStringLiteral("Cargando Productos"),
-                      [this, sql, titulo] { CargaProductosTimer(sql, titulo); });
+                      [this, sql, titulo, linea] { CargaProductosTimer(sql, titulo, linea); });
 }
 
 QTreeWidgetItem* TProductosF::itemDeLinea(int64_t lineaID) const {
@@ -521,10 +550,10 @@ void TProductosF::BuscarProductoReturnPressed() {
     const QString sql = sqlBusquedaProductos(sesion_.EmpresaID, texto);
     const QString titulo = QStringLiteral("Búsqueda: ") + texto;
     ejecutaConLeyenda(this, QStringLiteral("Cargando Productos"),
-                      [this, sql, titulo] { CargaProductosTimer(sql, titulo); });
+                      [this, sql, titulo] { CargaProductosTimer(sql, titulo, 0); });
 }
 
-void TProductosF::CargaProductosTimer(const QString& sql, const QString& titulo) {
+void TProductosF::CargaProductosTimer(const QString& sql, const QString& titulo, int64_t lineaID) {
     ListadoProductos.asignaSql(sql);
     try {
         ListadoProductos.abre();
@@ -542,6 +571,9 @@ void TProductosF::CargaProductosTimer(const QString& sql, const QString& titulo)
     filtro_->filtra({});
     modelo_->asigna(ListadoProductos.registros());
     ListadoProductos.cierra(); // los renglones ya viven en el modelo
+    sqlListado_ = sql;
+    tituloListado_ = titulo;
+    lineaListado_ = lineaID;
     tituloProductos_->setText(titulo);
     actualizaPie();
     actualizaAcciones();
@@ -577,6 +609,8 @@ void TProductosF::actualizaPie() {
 
 void TProductosF::actualizaAcciones() {
     const bool hay = productoElegido().has_value();
+    botonModificar_->setEnabled(hay);
+    botonNuevo_->setEnabled(lineaListado_ != 0);
     botonKardex_->setEnabled(hay);
     botonBorrar_->setEnabled(hay);
 }
@@ -587,6 +621,65 @@ std::optional<ProductoListado> TProductosF::productoElegido() const {
     const QModelIndex fuente = filtro_->mapToSource(actual);
     if (!fuente.isValid()) return std::nullopt;
     return modelo_->producto(fuente.row());
+}
+
+void TProductosF::BotonModificarClick() {
+    const std::optional<ProductoListado> p = productoElegido();
+    if (!p) return;
+    Sonidos::reproduce(Sonido::Click);
+    abreEditor(p->id, 0);
+}
+
+void TProductosF::ProductosItemActivated(const QModelIndex& indice) {
+    if (!indice.isValid()) return;
+    productos_->setCurrentIndex(indice);
+    BotonModificarClick();
+}
+
+void TProductosF::BotonNuevoProductoClick() {
+    if (lineaListado_ == 0) return;
+    Sonidos::reproduce(Sonido::Click);
+    abreEditor(0, lineaListado_);
+}
+
+void TProductosF::abreEditor(int64_t productoID, int64_t lineaID) {
+    auto* editor = new TProductosEditaF(sesion_, productoID, lineaID, contenido_);
+    editor->setAttribute(Qt::WA_DeleteOnClose);
+    auto almacenado = std::make_shared<int64_t>(0);
+    connect(editor, &TProductosEditaF::productoAlmacenado, this,
+            [almacenado](qint64 id) { *almacenado = id; });
+    // Al cerrarse (Regresar o después de almacenar) vuelve el catálogo; si se guardó, con el
+    // listado recargado y el producto elegido.
+    connect(editor, &TProductosEditaF::cerrado, this, [this, almacenado] {
+        contenido_->setCurrentIndex(0);
+        if (*almacenado == 0 || sqlListado_.isEmpty()) return;
+        const int64_t id = *almacenado;
+        const QString sql = sqlListado_;
+        const QString titulo = tituloListado_;
+        const int64_t linea = lineaListado_;
+        ejecutaConLeyenda(
+            this, QStringLiteral("Cargando Productos"), [this, sql, titulo, linea, id] {
+                CargaProductosTimer(sql, titulo, linea);
+                for (int fila = 0; fila < filtro_->rowCount(); ++fila) {
+                    const QModelIndex indice = filtro_->index(fila, 0);
+                    if (indice.data(ModeloProductos::RolProductoID).toLongLong() != id) continue;
+                    productos_->setCurrentIndex(indice);
+                    productos_->scrollTo(indice);
+                    break;
+                }
+            });
+    });
+    contenido_->addWidget(editor);
+    contenido_->setCurrentWidget(editor);
+}
+
+void TProductosF::closeEvent(QCloseEvent* evento) {
+    if (auto* editor = qobject_cast<TProductosEditaF*>(contenido_->currentWidget())) {
+        evento->ignore();
+        editor->close();
+        return;
+    }
+    QWidget::closeEvent(evento);
 }
 
 void TProductosF::BotonBorrarClick() {

@@ -19,7 +19,9 @@ class QLabel;
 class QLineEdit;
 class QListView;
 class QListWidget;
+class QModelIndex;
 class QPushButton;
+class QStackedWidget;
 class QTabWidget;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -29,7 +31,9 @@ namespace cajaplex {
 // "Catálogo de Productos": el árbol de líneas y su mantenimiento, los productos de una línea o de
 // una búsqueda en toda la empresa con su filtro local, el borrado de productos sin documentos y
 // el kardex de un producto entre dos fechas. Cuatro páginas: SeleccionaLinea,
-// SeleccionaProducto, ConsultaFechaKardex y ResultadoKardex.
+// SeleccionaProducto, ConsultaFechaKardex y ResultadoKardex. El editor de un producto
+// (TProductosEditaF) se abre en lugar del catálogo, bajo la misma barra con "Regresar"; al volver
+// se recarga el listado.
 class TProductosF : public QWidget {
     Q_OBJECT
 public:
@@ -54,6 +58,10 @@ public:
     // Las opciones de "Opciones sobre Líneas", en su orden.
     static const QStringList& opcionesMenuArbol();
 
+protected:
+    // Con el editor abierto, "Regresar" es del editor: se vuelve al catálogo, no al menú.
+    void closeEvent(QCloseEvent* evento) override;
+
 private slots:
     void LineasItemClick(QTreeWidgetItem* item);
     void CrearPrimeraLineaClick();
@@ -61,6 +69,9 @@ private slots:
     void BuscarTextoChange(const QString& texto);
     void BotonKardexClick();
     void BotonBorrarClick();
+    void BotonModificarClick();
+    void BotonNuevoProductoClick();
+    void ProductosItemActivated(const QModelIndex& indice);
     void MostrarResultadosClick();
 
 private:
@@ -81,10 +92,14 @@ private:
     void InsertaLineaTimer(int64_t padre, const QString& nombre);
     void EditaLineaTimer(int64_t lineaID, const QString& nombre, const QString& anterior);
     void EliminaLineaTimer(int64_t lineaID, const QString& nombre);
-    void CargaProductosTimer(const QString& sql, const QString& titulo);
+    // lineaID 0: el listado es de una búsqueda.
+    void CargaProductosTimer(const QString& sql, const QString& titulo, int64_t lineaID);
     void FiltraProductosTimer();
     void BorraProductoTimer(const ProductoListado& producto);
     void ConsultaKardexTimer();
+
+    // Abre el editor (productoID 0: alta en la línea) y, al cerrarse, vuelve al catálogo.
+    void abreEditor(int64_t productoID, int64_t lineaID);
 
     QTreeWidgetItem* itemDeLinea(int64_t lineaID) const;
     int numeroLineas() const;
@@ -101,28 +116,35 @@ private:
     ModeloProductos* modelo_;
     FiltroProductos* filtro_;
     int secuenciaFiltro_ = 0; // solo el último filtro tecleado se aplica
+    // El listado cargado, para recargarlo al volver del editor; lineaListado_ 0 en una búsqueda.
+    QString sqlListado_;
+    QString tituloListado_;
+    int64_t lineaListado_ = 0;
     std::optional<ProductoListado> productoKardex_;
     QDate inicioKardex_;
     QDate finKardex_;
 
-    QLineEdit* buscarProducto_; // "BuscarProducto"
-    QTabWidget* paginas_;       // "Paginas"
-    QTreeWidget* lineas_;       // "Lineas"
-    QPushButton* primeraLinea_; // "CrearPrimeraLinea"
-    QLabel* tituloProductos_;   // "TituloProductos"
-    QLineEdit* buscarTexto_;    // "BuscarTexto"
-    QListView* productos_;      // "Productos"
-    QLabel* pieProductos_;      // "PieProductos"
-    QPushButton* botonKardex_;  // "BotonKardex"
-    QPushButton* botonBorrar_;  // "BotonBorrar"
-    QLabel* productoFechas_;    // "ProductoKardex"
-    QDateEdit* fechaInicio_;    // "FechaInicio"
-    QDateEdit* fechaFin_;       // "FechaFin"
-    QPushButton* mostrar_;      // "MostrarResultadosKardex"
-    QLabel* tituloKardex_;      // "TituloKardex"
-    QListWidget* listaDetalle_; // "ListaDetalle"
-    QLabel* existenciaActual_;  // "ExistenciaActual"
-    QLabel* pieKardex_;         // "PieKardex"
+    QStackedWidget* contenido_;   // "ContenidoProductos": el catálogo o el editor
+    QLineEdit* buscarProducto_;   // "BuscarProducto"
+    QTabWidget* paginas_;         // "Paginas"
+    QTreeWidget* lineas_;         // "Lineas"
+    QPushButton* primeraLinea_;   // "CrearPrimeraLinea"
+    QLabel* tituloProductos_;     // "TituloProductos"
+    QLineEdit* buscarTexto_;      // "BuscarTexto"
+    QListView* productos_;        // "Productos"
+    QLabel* pieProductos_;        // "PieProductos"
+    QPushButton* botonModificar_; // "BotonModificar"
+    QPushButton* botonNuevo_;     // "BotonNuevoProducto"
+    QPushButton* botonKardex_;    // "BotonKardex"
+    QPushButton* botonBorrar_;    // "BotonBorrar"
+    QLabel* productoFechas_;      // "ProductoKardex"
+    QDateEdit* fechaInicio_;      // "FechaInicio"
+    QDateEdit* fechaFin_;         // "FechaFin"
+    QPushButton* mostrar_;        // "MostrarResultadosKardex"
+    QLabel* tituloKardex_;        // "TituloKardex"
+    QListWidget* listaDetalle_;   // "ListaDetalle"
+    QLabel* existenciaActual_;    // "ExistenciaActual"
+    QLabel* pieKardex_;           // "PieKardex"
 };
 
 } // namespace cajaplex
