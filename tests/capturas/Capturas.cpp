@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <functional>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
@@ -145,8 +146,33 @@ int main(int argc, char* argv[]) {
             QTest::keyClick(buscar, Qt::Key_Return);
             foto.toma(m.nombre + QStringLiteral("-busqueda"));
         }
-        ventana.regresa();
-        QTest::qWait(50);
+        // Una pantalla que es menú (mosaicos): cada una de las suyas.
+        const auto mosaicos = ventana.findChildren<QPushButton*>();
+        for (QPushButton* sub : mosaicos) {
+            if (sub->property("estilo") != QStringLiteral("mosaico") || !sub->isVisible() ||
+                sub->objectName().startsWith(QStringLiteral("Modulo")))
+                continue;
+            const QString nombre = sub->objectName();
+            QTest::mouseClick(sub, Qt::LeftButton);
+            foto.toma(m.nombre + QLatin1Char('-') + nombre);
+            ventana.regresa();
+            QTest::qWait(50);
+        }
+        // Y el primer renglón abierto para modificarlo, donde se puede.
+        auto* lista = ventana.findChild<QAbstractItemView*>(QStringLiteral("Productos"));
+        auto* modificar = ventana.findChild<QPushButton*>(QStringLiteral("BotonModificar"));
+        if (lista && modificar && lista->model() && lista->model()->rowCount() > 0) {
+            lista->setCurrentIndex(lista->model()->index(0, 0));
+            QTest::mouseClick(modificar, Qt::LeftButton);
+            foto.toma(m.nombre + QStringLiteral("-modifica"));
+        }
+        // "Regresar" hasta el menú (una pantalla puede tener páginas propias encima).
+        for (int i = 0;
+             i < 5 && !ventana.findChild<QWidget*>(QStringLiteral("MenuPrimario"))->isVisible();
+             ++i) {
+            ventana.regresa();
+            QTest::qWait(50);
+        }
     }
     const QStringList mensajes = Mensajes::ultimos();
     if (!mensajes.isEmpty())
