@@ -31,7 +31,7 @@ protected:
         auto f = std::make_unique<TKitsF>(sesion_);
         f->resize(1366, 700);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         return f;
     }
 
@@ -55,7 +55,7 @@ protected:
         arbol->scrollToItem(item);
         QTest::mouseClick(arbol->viewport(), Qt::LeftButton, {},
                           arbol->visualItemRect(item).center());
-        espera(f);
+        esperaLeyenda(f);
     }
 
     // "clave x cantidad" de la base, por posición.

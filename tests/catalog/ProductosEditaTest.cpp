@@ -66,27 +66,10 @@ protected:
         auto f = std::make_unique<TProductosEditaF>(sesion_, productoID, linea);
         f->resize(kVentana);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         Mensajes::ultimos();
         Sonidos::reproducidos();
         return f;
-    }
-
-    // Hasta que la leyenda de progreso se oculta: terminó lo que corría tras ella.
-    static void espera(const QWidget& w) {
-        EXPECT_TRUE(esperaHasta(
-            [&] {
-                auto* l =
-                    w.findChild<QLabel*>(QStringLiteral("Leyenda"), Qt::FindDirectChildrenOnly);
-                return !l || l->isHidden();
-            },
-            10000));
-    }
-
-    template <typename T> static T* control(const QWidget& f, const char* nombre) {
-        auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
-        EXPECT_NE(w, nullptr) << nombre;
-        return w;
     }
 
     static QString texto(const QWidget& f, const char* nombre) {
@@ -104,12 +87,12 @@ protected:
         QSignalSpy tocado(b, &QPushButton::clicked);
         QTest::mouseClick(b, Qt::LeftButton);
         EXPECT_TRUE(esperaHasta([&] { return !tocado.isEmpty(); })) << nombre;
-        espera(f);
+        esperaLeyenda(f);
     }
     // El "Regresar" de la ventana le pide a la pantalla cerrarse.
     static void regresa(QWidget& f) {
         f.close();
-        espera(f);
+        esperaLeyenda(f);
     }
     static QString pagina(const QWidget& f) {
         return control<QStackedWidget>(f, "PaginasEdicion")->currentWidget()->objectName();
@@ -337,7 +320,7 @@ TEST_F(ProductosEditaTest, ElCatalogoAbreElEditorYMuestraLoAlmacenadoAlVolver) {
     TProductosF f(sesion_);
     f.resize(kVentana);
     f.show();
-    espera(f);
+    esperaLeyenda(f);
     auto* arbol = control<QTreeWidget>(f, "Lineas");
     QTreeWidgetItem* granos =
         arbol->findItems(QStringLiteral("Granos y Semillas"), Qt::MatchExactly | Qt::MatchRecursive)
@@ -347,7 +330,7 @@ TEST_F(ProductosEditaTest, ElCatalogoAbreElEditorYMuestraLoAlmacenadoAlVolver) {
     Mensajes::respondeOpcion(5); // "Ver Productos"
     QTest::mouseClick(arbol->viewport(), Qt::LeftButton, {},
                       arbol->visualItemRect(granos).center());
-    espera(f);
+    esperaLeyenda(f);
 
     auto* vista = control<QListView>(f, "Productos");
     auto renglones = [&] {
@@ -363,7 +346,7 @@ TEST_F(ProductosEditaTest, ElCatalogoAbreElEditorYMuestraLoAlmacenadoAlVolver) {
         QPointer<TProductosEditaF> editor =
             qobject_cast<TProductosEditaF*>(contenido->currentWidget());
         EXPECT_TRUE(editor);
-        if (editor) espera(*editor);
+        if (editor) esperaLeyenda(*editor);
         return editor;
     };
     // Almacena, o con nullptr usa el "Regresar" de la ventana, que es de la pantalla de encima.
@@ -374,7 +357,7 @@ TEST_F(ProductosEditaTest, ElCatalogoAbreElEditorYMuestraLoAlmacenadoAlVolver) {
             EXPECT_FALSE(f.close());
         EXPECT_TRUE(esperaHasta([&] { return editor.isNull(); }, 10000));
         EXPECT_TRUE(f.isVisible());
-        espera(f);
+        esperaLeyenda(f);
         EXPECT_EQ(contenido->currentIndex(), 0);
     };
 
@@ -406,7 +389,7 @@ TEST_F(ProductosEditaTest, ElCatalogoAbreElEditorYMuestraLoAlmacenadoAlVolver) {
     auto* buscar = control<QLineEdit>(f, "BuscarProducto");
     buscar->setText(QStringLiteral("frijol"));
     QTest::keyClick(buscar, Qt::Key_Return);
-    espera(f);
+    esperaLeyenda(f);
     EXPECT_FALSE(control<QPushButton>(f, "BotonNuevoProducto")->isEnabled());
 }
 

@@ -57,27 +57,10 @@ protected:
         auto f = std::make_unique<TProductosF>(sesion_);
         f->resize(1200, 760);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         Mensajes::ultimos();
         Sonidos::reproducidos();
         return f;
-    }
-
-    // Hasta que la leyenda de progreso se oculta: terminó lo que corría tras ella.
-    static void espera(const QWidget& w) {
-        EXPECT_TRUE(esperaHasta(
-            [&] {
-                auto* l =
-                    w.findChild<QLabel*>(QStringLiteral("Leyenda"), Qt::FindDirectChildrenOnly);
-                return !l || l->isHidden();
-            },
-            10000));
-    }
-
-    template <typename T> static T* control(const QWidget& f, const char* nombre) {
-        auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
-        EXPECT_NE(w, nullptr) << nombre;
-        return w;
     }
 
     static QTreeWidgetItem* nodo(const QWidget& f, const QString& texto) {
@@ -97,7 +80,7 @@ protected:
         if (nombre) Mensajes::respondeTexto(*nombre);
         QTest::mouseClick(arbol->viewport(), Qt::LeftButton, {},
                           arbol->visualItemRect(item).center());
-        espera(f);
+        esperaLeyenda(f);
     }
 
     // El árbol como esquema: dos espacios por nivel.
@@ -118,7 +101,7 @@ protected:
         auto* campo = control<QLineEdit>(f, "BuscarProducto");
         campo->setText(texto);
         QTest::keyClick(campo, Qt::Key_Return);
-        espera(f);
+        esperaLeyenda(f);
     }
 
     static QStringList listado(const QWidget& f, int rol) {
@@ -306,7 +289,7 @@ TEST_F(ProductosTest, AsignarFotoGuardaFotoReducidaYMiniaturaYSePuedeQuitar) {
     opcion(*f, "Bebidas", AsignarFoto);
     QPointer<TAsignaFotoLineaF> pantalla = f->findChild<TAsignaFotoLineaF*>();
     ASSERT_TRUE(pantalla);
-    espera(*pantalla);
+    esperaLeyenda(*pantalla);
     EXPECT_FALSE(control<QPushButton>(*pantalla, "BotonEliminarFoto")->isEnabled());
 
     Mensajes::ultimos();
@@ -316,7 +299,7 @@ TEST_F(ProductosTest, AsignarFotoGuardaFotoReducidaYMiniaturaYSePuedeQuitar) {
 
     pantalla->cargaArchivo(foto);
     QTest::mouseClick(control<QPushButton>(*pantalla, "BotonRotarFoto"), Qt::LeftButton);
-    espera(*pantalla);
+    esperaLeyenda(*pantalla);
     QTest::mouseClick(control<QPushButton>(*pantalla, "BotonAlmacenarFoto"), Qt::LeftButton);
     ASSERT_TRUE(esperaHasta([&] { return pantalla.isNull(); }));
 
@@ -338,7 +321,7 @@ TEST_F(ProductosTest, AsignarFotoGuardaFotoReducidaYMiniaturaYSePuedeQuitar) {
     opcion(*f, "Bebidas", AsignarFoto);
     pantalla = f->findChild<TAsignaFotoLineaF*>();
     ASSERT_TRUE(pantalla);
-    espera(*pantalla);
+    esperaLeyenda(*pantalla);
     QTest::mouseClick(control<QPushButton>(*pantalla, "BotonEliminarFoto"), Qt::LeftButton);
     ASSERT_TRUE(esperaHasta([&] { return pantalla.isNull(); }));
     EXPECT_TRUE(imagenDe("Foto").isNull());
@@ -402,20 +385,20 @@ TEST_F(ProductosTest, ListaPorLineaConExistenciaEnVerdeORojoYFiltraLocalmente) {
 
     auto* filtro = control<QLineEdit>(*f, "BuscarTexto");
     QTest::keyClicks(filtro, "FRIJOL");
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(listado(*f, ModeloProductos::RolClave), (QStringList{"1002", "1003"}));
     EXPECT_EQ(rotulo(*f, "PieProductos"), "Registros Filtrados: 2");
     filtro->clear();
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(rotulo(*f, "PieProductos"), "Número de Registros: 4");
 
     // Sin acentos ni mayúsculas encuentra "Azúcar" y "Café".
     opcion(*f, "Abarrotes", VerProductos);
     QTest::keyClicks(filtro, "azucar");
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(listado(*f, ModeloProductos::RolClave), QStringList{"1005"});
     filtro->setText(QStringLiteral("CAFE"));
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(listado(*f, ModeloProductos::RolClave), QStringList{"1013"});
     // Otro listado llega sin filtro.
     opcion(*f, "Vacía", VerProductos);
@@ -438,7 +421,7 @@ TEST_F(ProductosTest, BorraSoloUnProductoSinDocumentos) {
     elige(*f, "ZZ-VENDIDO");
     Mensajes::respondeSiguiente(cajaplex::Respuesta::Si);
     QTest::mouseClick(borrar, Qt::LeftButton);
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(Mensajes::ultimos(),
               (QStringList{"¿Desea Eliminar el Producto ZZ-VENDIDO - Producto vendido?",
                            "No puede eliminar un Producto con Transacciones Registradas"}));
@@ -448,12 +431,12 @@ TEST_F(ProductosTest, BorraSoloUnProductoSinDocumentos) {
     elige(*f, "ZZ-SUELTO");
     Mensajes::respondeSiguiente(cajaplex::Respuesta::No);
     QTest::mouseClick(borrar, Qt::LeftButton);
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(c.cuenta("Productos Where clave = 'ZZ-SUELTO'"), 1);
 
     Mensajes::respondeSiguiente(cajaplex::Respuesta::Si);
     QTest::mouseClick(borrar, Qt::LeftButton);
-    espera(*f);
+    esperaLeyenda(*f);
     EXPECT_EQ(c.cuenta("Productos Where clave = 'ZZ-SUELTO'"), 0);
     EXPECT_EQ(listado(*f, ModeloProductos::RolClave), QStringList{"ZZ-VENDIDO"});
     EXPECT_EQ(rotulo(*f, "PieProductos"), "Número de Registros: 1");
@@ -495,7 +478,7 @@ TEST_F(ProductosTest, KardexDeCadaFuenteEntreDosFechasSoloDeLaEmpresa) {
         control<QDateEdit>(*f, "FechaInicio")->setDate(inicio);
         control<QDateEdit>(*f, "FechaFin")->setDate(fin);
         QTest::mouseClick(control<QPushButton>(*f, "MostrarResultadosKardex"), Qt::LeftButton);
-        espera(*f);
+        esperaLeyenda(*f);
     };
 
     muestra(QDate(2024, 3, 10), QDate(2024, 3, 1));

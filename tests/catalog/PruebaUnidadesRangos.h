@@ -17,26 +17,9 @@
 
 namespace cajaplex::prueba {
 
-// Hasta que toda leyenda de progreso de la pantalla (y de sus páginas) se oculta.
-inline void espera(const QWidget& w) {
-    EXPECT_TRUE(esperaHasta(
-        [&] {
-            for (const QLabel* l : w.findChildren<QLabel*>(QStringLiteral("Leyenda")))
-                if (!l->isHidden()) return false;
-            return true;
-        },
-        10000));
-}
-
-template <typename T> T* control(const QWidget& f, const char* nombre) {
-    auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
-    EXPECT_NE(w, nullptr) << nombre;
-    return w;
-}
-
 inline void toca(const QWidget& f, const char* boton) {
     QTest::mouseClick(control<QPushButton>(f, boton), Qt::LeftButton);
-    espera(f);
+    esperaLeyenda(f);
 }
 
 inline void escribe(const QWidget& f, const char* campo, const QString& texto) {
@@ -47,7 +30,7 @@ inline void enter(const QWidget& f, const char* campo, const QString& texto) {
     auto* c = control<QLineEdit>(f, campo);
     c->setText(texto);
     QTest::keyClick(c, Qt::Key_Return);
-    espera(f);
+    esperaLeyenda(f);
 }
 
 // Los valores de un rol en los renglones visibles de una lista.
@@ -69,7 +52,7 @@ inline void tocaRenglon(const QWidget& f, const char* lista, int rol, const QStr
         vista->scrollTo(indice);
         QTest::mouseClick(vista->viewport(), Qt::LeftButton, {},
                           vista->visualRect(indice).center());
-        espera(f);
+        esperaLeyenda(f);
         return;
     }
     ADD_FAILURE() << lista << ": sin renglón " << valor.toStdString();

@@ -29,7 +29,7 @@ protected:
         auto f = std::make_unique<TRangosF>(sesion_, producto...);
         f->resize(1200, 700);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         return f;
     }
 

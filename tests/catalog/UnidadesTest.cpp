@@ -27,7 +27,7 @@ protected:
         auto f = std::make_unique<TUnidadesF>(sesion_);
         f->resize(1200, 700);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         Mensajes::ultimos();
         Sonidos::reproducidos();
         return f;

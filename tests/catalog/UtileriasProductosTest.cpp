@@ -41,26 +41,10 @@ protected:
         auto f = std::make_unique<T>(sesion_);
         f->resize(1366, 768);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         Mensajes::ultimos();
         Sonidos::reproducidos();
         return f;
-    }
-
-    static void espera(const QWidget& w) {
-        EXPECT_TRUE(esperaHasta(
-            [&] {
-                auto* l =
-                    w.findChild<QLabel*>(QStringLiteral("Leyenda"), Qt::FindDirectChildrenOnly);
-                return !l || l->isHidden();
-            },
-            10000));
-    }
-
-    template <typename T> static T* control(const QWidget& f, const char* nombre) {
-        auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
-        EXPECT_NE(w, nullptr) << nombre;
-        return w;
     }
 
     static QString pagina(const QWidget& f) {
@@ -69,7 +53,7 @@ protected:
 
     static void siguiente(const QWidget& f) {
         QTest::mouseClick(control<QPushButton>(f, "GrupoBotonSiguiente"), Qt::LeftButton);
-        espera(f);
+        esperaLeyenda(f);
     }
 
     static void eligeLinea(const QWidget& f, const QString& texto) {
@@ -337,7 +321,7 @@ TEST_F(UtileriasProductosTest, ValorInventarioSoloConExistenciaYCostoConTotalesY
     servicio.detiene();
     TValorInventarioF otra(sesion_);
     otra.show();
-    espera(otra);
+    esperaLeyenda(otra);
     EXPECT_EQ(Mensajes::ultimos(), QStringList{MensajeErrorLectura});
     EXPECT_EQ(control<QTableWidget>(otra, "ListaValorInventario")->rowCount(), 0);
     EXPECT_FALSE(control<QPushButton>(otra, "BotonExportar")->isEnabled());

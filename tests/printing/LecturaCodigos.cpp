@@ -14,25 +14,7 @@
 #include "CodigoBarras.h"
 
 namespace cajaplex::prueba {
-namespace {
-
-// QPdfWriter y QPdfDocument piden una aplicación gráfica; gtest_main trae su propio main.
-class EntornoQt : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char nombre_[16] = "PruebaImpresion";
-    char* argv_[2] = {nombre_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-
-[[maybe_unused]] ::testing::Environment* const entorno =
-    ::testing::AddGlobalTestEnvironment(new EntornoQt);
-
-} // namespace
+namespace {} // namespace
 
 Lectura leeCodigo(const QImage& imagen) {
     const QImage gris = imagen.convertToFormat(QImage::Format_Grayscale8);

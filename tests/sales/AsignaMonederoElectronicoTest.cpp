@@ -32,26 +32,10 @@ protected:
         auto f = std::make_unique<TAsignaMonederoElectronicoF>(sesion_);
         f->resize(1366, 768);
         f->show();
-        espera(*f);
+        esperaLeyenda(*f);
         Mensajes::ultimos();
         Sonidos::reproducidos();
         return f;
-    }
-
-    static void espera(const QWidget& w) {
-        EXPECT_TRUE(esperaHasta(
-            [&] {
-                auto* l =
-                    w.findChild<QLabel*>(QStringLiteral("Leyenda"), Qt::FindDirectChildrenOnly);
-                return !l || l->isHidden();
-            },
-            10000));
-    }
-
-    template <typename T> static T* control(const QWidget& f, const char* nombre) {
-        auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
-        EXPECT_NE(w, nullptr) << nombre;
-        return w;
     }
 
     static QString pagina(const QWidget& f) {
@@ -60,7 +44,7 @@ protected:
 
     static void siguiente(const QWidget& f) {
         QTest::mouseClick(control<QPushButton>(f, "GrupoBotonSiguiente"), Qt::LeftButton);
-        espera(f);
+        esperaLeyenda(f);
     }
 
     static void parametros(const QWidget& f, const QString& linea, const QString& porcentaje) {

@@ -51,12 +51,6 @@ protected:
         return f;
     }
 
-    template <typename T> static T* control(const QWidget& f, const char* nombre) {
-        auto* w = f.findChild<T*>(QString::fromLatin1(nombre));
-        EXPECT_NE(w, nullptr) << nombre;
-        return w;
-    }
-
     // Pone el rango, oprime "Mostrar Resultados" y espera a que termine la lectura.
     void muestra(const QWidget& f, QDate inicio, QDate fin) {
         Mensajes::ultimos();

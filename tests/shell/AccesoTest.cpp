@@ -49,12 +49,6 @@ protected:
         return v;
     }
 
-    template <typename T> static T* control(const QWidget& v, const char* nombre) {
-        auto* c = v.findChild<T*>(QString::fromLatin1(nombre));
-        EXPECT_NE(c, nullptr) << nombre;
-        return c;
-    }
-
     // Escribe usuario y contraseña, oprime "Ingresar" y espera a que termine la validación.
     QStringList ingresa(TCajaplexF& v, const QString& usuario, const QString& contrasena) {
         control<QLineEdit>(v, "NombreUsuario")->setText(usuario);

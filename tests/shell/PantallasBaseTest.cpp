@@ -21,22 +21,6 @@
 namespace cajaplex {
 namespace {
 
-// gtest_main trae su propio main: la aplicación Qt vive en un entorno global.
-class EntornoQt : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char nombre_[18] = "PantallasBaseTest";
-    char* argv_[2] = {nombre_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-
-[[maybe_unused]] ::testing::Environment* const entorno =
-    ::testing::AddGlobalTestEnvironment(new EntornoQt);
-
 // Espera acotada: nunca cuelga la prueba si el temporizador no llega.
 bool esperaHasta(const std::function<bool()>& condicion, int milisegundos = 2000) {
     QElapsedTimer reloj;

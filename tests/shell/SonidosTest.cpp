@@ -23,21 +23,6 @@
 namespace cajaplex {
 namespace {
 
-class EntornoQt : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char nombre_[12] = "SonidosTest";
-    char* argv_[2] = {nombre_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-
-[[maybe_unused]] ::testing::Environment* const entorno =
-    ::testing::AddGlobalTestEnvironment(new EntornoQt);
-
 const std::pair<Sonido, const char*> kSonidos[] = {
     {Sonido::Click, "Click.mp3"},
     {Sonido::Error, "Error.mp3"},
