@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
+#include "ArbolLineas.h"
 #include "CatalogoProductos.h"
 #include "HojaEstilo.h"
 #include "Leyenda.h"
@@ -70,19 +71,12 @@ void llenaArbolLineas(QTreeWidget* arbol, const std::vector<LineaProducto>& line
     primero->setData(0, RolLineaElegida, QVariant::fromValue<qlonglong>(TodasLasLineas));
     primero->setIcon(0, icono(QStringLiteral("Productos")));
     arbol->addTopLevelItem(primero);
-    std::vector<QTreeWidgetItem*> items;
-    items.reserve(lineas.size());
-    for (const NodoArbolLineas& nodo : ordenaArbolLineas(lineas)) {
-        auto* item = new QTreeWidgetItem(QStringList{nodo.linea.linea});
-        item->setData(0, RolLineaElegida, QVariant::fromValue<qlonglong>(nodo.linea.id));
+    agregaLineas(*arbol, lineas, [](const LineaProducto& l) {
+        auto* item = new QTreeWidgetItem(QStringList{l.linea});
+        item->setData(0, RolLineaElegida, QVariant::fromValue<qlonglong>(l.id));
         item->setIcon(0, icono(QStringLiteral("Lineas")));
-        if (nodo.padre < 0)
-            arbol->addTopLevelItem(item);
-        else
-            items[static_cast<size_t>(nodo.padre)]->addChild(item);
-        items.push_back(item);
-    }
-    arbol->expandAll();
+        return item;
+    });
 }
 
 TIncrementoPreciosF::TIncrementoPreciosF(const Sesion& sesion, QWidget* padre)

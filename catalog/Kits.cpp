@@ -27,6 +27,7 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
+#include "ArbolLineas.h"
 #include "CatalogoProductos.h"
 #include "DelegadoRenglon.h"
 #include "HojaEstilo.h"
@@ -329,23 +330,16 @@ void TKitsF::CargaInformacionTimer() {
     }
 
     arbolLineas_->clear();
-    std::vector<QTreeWidgetItem*> nodos;
-    nodos.reserve(lineas.size());
-    for (const NodoArbolLineas& nodo : ordenaArbolLineas(lineas)) {
-        auto* item = new QTreeWidgetItem(QStringList{nodo.linea.linea});
-        item->setData(0, RolLineaID, QVariant::fromValue<qlonglong>(nodo.linea.id));
+    agregaLineas(*arbolLineas_, lineas, [](const LineaProducto& l) {
+        auto* item = new QTreeWidgetItem(QStringList{l.linea});
+        item->setData(0, RolLineaID, QVariant::fromValue<qlonglong>(l.id));
         QPixmap miniatura;
-        if (!nodo.linea.miniatura.isEmpty() && miniatura.loadFromData(nodo.linea.miniatura))
+        if (!l.miniatura.isEmpty() && miniatura.loadFromData(l.miniatura))
             item->setIcon(0, QIcon(miniatura));
         else
             item->setIcon(0, icono(QStringLiteral("Lineas")));
-        if (nodo.padre < 0)
-            arbolLineas_->addTopLevelItem(item);
-        else
-            nodos[static_cast<size_t>(nodo.padre)]->addChild(item);
-        nodos.push_back(item);
-    }
-    arbolLineas_->expandAll();
+        return item;
+    });
     FiltroKitsChange(filtroKits_->text());
 }
 

@@ -25,6 +25,7 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
+#include "ArbolLineas.h"
 #include "AsignaFotoLinea.h"
 #include "DelegadoRenglon.h"
 #include "HojaEstilo.h"
@@ -350,19 +351,10 @@ void TProductosF::CargaLineasTimer() {
         return;
     }
     lineas_->clear();
-    std::vector<QTreeWidgetItem*> items;
-    items.reserve(lineas.size());
-    for (const NodoArbolLineas& nodo : ordenaArbolLineas(lineas)) {
-        const LineaProducto& l = nodo.linea;
-        QTreeWidgetItem* item = creaNodo(l.id, l.padre, l.linea, l.miniatura);
-        if (nodo.padre < 0)
-            lineas_->addTopLevelItem(item);
-        else
-            items[static_cast<size_t>(nodo.padre)]->addChild(item);
-        items.push_back(item);
-    }
-    lineas_->expandAll();
-    primeraLinea_->setVisible(items.empty());
+    const size_t puestas = agregaLineas(*lineas_, lineas, [](const LineaProducto& l) {
+        return creaNodo(l.id, l.padre, l.linea, l.miniatura);
+    });
+    primeraLinea_->setVisible(puestas == 0);
 }
 
 void TProductosF::LineasItemClick(QTreeWidgetItem* item) {
