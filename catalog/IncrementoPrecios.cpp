@@ -27,21 +27,12 @@
 namespace cajaplex {
 namespace {
 
-constexpr int kAltoControl = 48; // cómodo para el dedo
 constexpr int kAltoRenglon = 44;
 const QString kTodosLosProductos = QStringLiteral("TODOS LOS PRODUCTOS");
 
 const QStringList kTitulosPaso = {
     QStringLiteral("Seleccione Línea"), QStringLiteral("Indique Valor de Referencia"),
     QStringLiteral("Establezca Porcentajes de Incremento"), QStringLiteral("Vista Previa")};
-
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
-}
 
 QTableWidgetItem* celda(const QString& texto, Qt::Alignment alineacion = Qt::AlignLeft) {
     auto* item = new QTableWidgetItem(texto);
@@ -84,8 +75,8 @@ TIncrementoPreciosF::TIncrementoPreciosF(const Sesion& sesion, QWidget* padre)
     setObjectName(QStringLiteral("IncrementoPrecios"));
     setWindowTitle(QStringLiteral("Incremento de Precios"));
 
-    tituloPaso_ = etiqueta({}, QStringLiteral("TituloPaso"), "titulo", this);
-    numeroPaso_ = etiqueta({}, QStringLiteral("NumeroPaso"), "subtitulo", this);
+    tituloPaso_ = creaEtiqueta({}, QStringLiteral("TituloPaso"), "titulo", this);
+    numeroPaso_ = creaEtiqueta({}, QStringLiteral("NumeroPaso"), "subtitulo", this);
     auto* encabezado = new QHBoxLayout;
     encabezado->addWidget(tituloPaso_, 1);
     encabezado->addWidget(numeroPaso_);
@@ -99,11 +90,11 @@ TIncrementoPreciosF::TIncrementoPreciosF(const Sesion& sesion, QWidget* padre)
 
     anterior_ = new QPushButton(QStringLiteral("Anterior"), this);
     anterior_->setObjectName(QStringLiteral("GrupoBotonAnterior"));
-    anterior_->setMinimumSize(160, kAltoControl);
+    anterior_->setMinimumSize(160, AltoControl);
     connect(anterior_, &QPushButton::clicked, this, &TIncrementoPreciosF::GrupoBotonAnteriorClick);
     siguiente_ = new QPushButton(this);
     siguiente_->setObjectName(QStringLiteral("GrupoBotonSiguiente"));
-    siguiente_->setMinimumSize(160, kAltoControl);
+    siguiente_->setMinimumSize(160, AltoControl);
     ponEstilo(siguiente_, "primario");
     connect(siguiente_, &QPushButton::clicked, this,
             &TIncrementoPreciosF::GrupoBotonSiguienteClick);
@@ -154,8 +145,8 @@ QWidget* TIncrementoPreciosF::creaPaginaReferencia() {
     referencias_->setMaximumWidth(480);
     auto* capa = new QVBoxLayout(pagina);
     capa->setContentsMargins(0, 0, 0, 0);
-    capa->addWidget(etiqueta(QStringLiteral("Seleccione un Valor de Referencia"),
-                             QStringLiteral("IndicacionReferencia"), "subtitulo", pagina));
+    capa->addWidget(creaEtiqueta(QStringLiteral("Seleccione un Valor de Referencia"),
+                                 QStringLiteral("IndicacionReferencia"), "subtitulo", pagina));
     capa->addWidget(referencias_, 1);
     return pagina;
 }
@@ -168,8 +159,8 @@ QWidget* TIncrementoPreciosF::creaPaginaPorcentajes() {
     auto* rejilla = new QGridLayout(tarjeta);
     rejilla->setHorizontalSpacing(16);
     rejilla->setVerticalSpacing(12);
-    rejilla->addWidget(etiqueta(QStringLiteral("Introduzca el Porcentaje"),
-                                QStringLiteral("IndicacionPorcentajes"), "subtitulo", tarjeta),
+    rejilla->addWidget(creaEtiqueta(QStringLiteral("Introduzca el Porcentaje"),
+                                    QStringLiteral("IndicacionPorcentajes"), "subtitulo", tarjeta),
                        0, 0, 1, 3);
     // El punto decimal siempre, como se muestra "0.00"; un precio puede también bajar.
     auto* validador = new QDoubleValidator(-100.0, 1000.0, 2, pagina);
@@ -182,10 +173,10 @@ QWidget* TIncrementoPreciosF::creaPaginaPorcentajes() {
         campo->setPlaceholderText(QStringLiteral("Introduzca el Porcentaje"));
         campo->setValidator(validador);
         campo->setAlignment(Qt::AlignRight);
-        campo->setMinimumHeight(kAltoControl);
+        campo->setMinimumHeight(AltoControl);
         campo->setMaximumWidth(200);
         auto* titulo =
-            etiqueta(nivel, QStringLiteral("Etiqueta") + campo->objectName(), nullptr, tarjeta);
+            creaEtiqueta(nivel, QStringLiteral("Etiqueta") + campo->objectName(), nullptr, tarjeta);
         titulo->setBuddy(campo);
         rejilla->addWidget(titulo, i + 1, 0);
         rejilla->addWidget(campo, i + 1, 1);
@@ -203,7 +194,7 @@ QWidget* TIncrementoPreciosF::creaPaginaPorcentajes() {
 QWidget* TIncrementoPreciosF::creaPaginaVistaPrevia() {
     auto* pagina = new QWidget;
     pagina->setObjectName(QStringLiteral("VistaPrevia"));
-    resumen_ = etiqueta({}, QStringLiteral("ResumenIncremento"), "subtitulo", pagina);
+    resumen_ = creaEtiqueta({}, QStringLiteral("ResumenIncremento"), "subtitulo", pagina);
 
     QStringList columnas{QStringLiteral("Clave"), QStringLiteral("Descripción"),
                          QStringLiteral("Unidad"), QStringLiteral("Costo")};
@@ -230,8 +221,8 @@ QWidget* TIncrementoPreciosF::creaPaginaVistaPrevia() {
     for (int c = 3; c < productos_->columnCount(); ++c)
         productos_->setColumnWidth(c, 82);
 
-    pie_ = etiqueta(QStringLiteral("Total Productos: 0"), QStringLiteral("PieProductos"), "pie",
-                    pagina);
+    pie_ = creaEtiqueta(QStringLiteral("Total Productos: 0"), QStringLiteral("PieProductos"), "pie",
+                        pagina);
     auto* capa = new QVBoxLayout(pagina);
     capa->setContentsMargins(0, 0, 0, 0);
     capa->addWidget(resumen_);

@@ -43,34 +43,16 @@ namespace {
 enum Pagina { PaginaKits, PaginaComposicion };
 enum TipoOperacion { EnviarImpresion, VisualizarPdf, AlmacenarUnicamente };
 
-constexpr int kAltoControl = 48; // cómodo para el dedo
 constexpr int kIconoKit = 32;
 constexpr int kIconoLinea = 28;
 const QString kSinRegistros = QStringLiteral("No se localizaron registros con esa Información");
-
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
-}
-
-QPushButton* boton(const QString& imagen, const QString& texto, const QString& nombre,
-                   const char* estilo, QWidget* padre) {
-    auto* b = new QPushButton(icono(imagen), texto, padre);
-    b->setObjectName(nombre);
-    b->setMinimumHeight(kAltoControl);
-    if (estilo) ponEstilo(b, estilo);
-    return b;
-}
 
 QLineEdit* campoBusqueda(const QString& nombre, const QString& ayuda, QWidget* padre) {
     auto* campo = new QLineEdit(padre);
     campo->setObjectName(nombre);
     campo->setPlaceholderText(ayuda);
     campo->setClearButtonEnabled(true);
-    campo->setMinimumHeight(kAltoControl);
+    campo->setMinimumHeight(AltoControl);
     return campo;
 }
 
@@ -143,10 +125,10 @@ TKitsF::TKitsF(const Sesion& sesion, QWidget* padre)
     // La composición es de un kit: se abre eligiéndolo.
     paginas_->setTabEnabled(PaginaComposicion, false);
 
-    auto* salir = boton(QStringLiteral("Regresar"), QStringLiteral("Salir"),
-                        QStringLiteral("BotonSalir"), nullptr, this);
-    auto* almacenar = boton(QStringLiteral("Insercion"), QStringLiteral("Almacenar"),
-                            QStringLiteral("BotonAlmacenar"), "primario", this);
+    auto* salir = creaBoton(QStringLiteral("Regresar"), QStringLiteral("Salir"),
+                            QStringLiteral("BotonSalir"), nullptr, this);
+    auto* almacenar = creaBoton(QStringLiteral("Insercion"), QStringLiteral("Almacenar"),
+                                QStringLiteral("BotonAlmacenar"), "primario", this);
     connect(salir, &QPushButton::clicked, this, &TKitsF::BotonSalirClick);
     connect(almacenar, &QPushButton::clicked, this, &TKitsF::BotonAlmacenarClick);
     auto* abajo = new QHBoxLayout;
@@ -180,8 +162,8 @@ QWidget* TKitsF::creaPaginaKits() {
     preparaLista(listaKits_, kIconoKit);
     connect(listaKits_, &QListWidget::itemClicked, this, &TKitsF::ListaKitsItemClick);
 
-    pieKits_ = etiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieKits"), "pie",
-                        pagina);
+    pieKits_ = creaEtiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieKits"),
+                            "pie", pagina);
     auto* capa = new QVBoxLayout(pagina);
     capa->addWidget(filtroKits_);
     capa->addWidget(listaKits_, 1);
@@ -192,7 +174,7 @@ QWidget* TKitsF::creaPaginaKits() {
 QWidget* TKitsF::creaPaginaComposicion() {
     auto* pagina = new QWidget;
     pagina->setObjectName(QStringLiteral("Composicion"));
-    kitSeleccionado_ = etiqueta({}, QStringLiteral("KitSeleccionado"), "titulo", pagina);
+    kitSeleccionado_ = creaEtiqueta({}, QStringLiteral("KitSeleccionado"), "titulo", pagina);
 
     // Disponibles: el árbol de líneas y los productos de la línea o de la búsqueda.
     auto* disponibles = new QWidget(pagina);
@@ -217,8 +199,8 @@ QWidget* TKitsF::creaPaginaComposicion() {
     QScroller::grabGesture(arbolLineas_->viewport(), QScroller::LeftMouseButtonGesture);
     connect(arbolLineas_, &QTreeWidget::itemClicked, this, &TKitsF::LineasItemClick);
 
-    tituloDisponibles_ = etiqueta(QStringLiteral("Toque una Línea o busque un Producto"),
-                                  QStringLiteral("TituloDisponibles"), nullptr, disponibles);
+    tituloDisponibles_ = creaEtiqueta(QStringLiteral("Toque una Línea o busque un Producto"),
+                                      QStringLiteral("TituloDisponibles"), nullptr, disponibles);
     tituloDisponibles_->setWordWrap(true);
     listaDisponibles_ = new QListView(disponibles);
     listaDisponibles_->setObjectName(QStringLiteral("ProductosDisponibles"));
@@ -242,8 +224,8 @@ QWidget* TKitsF::creaPaginaComposicion() {
     busquedas->addWidget(buscarProducto_, 3);
     auto* capaDisponibles = new QVBoxLayout(disponibles);
     capaDisponibles->setContentsMargins(0, 0, 0, 0);
-    capaDisponibles->addWidget(etiqueta(QStringLiteral("Disponibles"),
-                                        QStringLiteral("Disponibles"), "subtitulo", disponibles));
+    capaDisponibles->addWidget(creaEtiqueta(
+        QStringLiteral("Disponibles"), QStringLiteral("Disponibles"), "subtitulo", disponibles));
     capaDisponibles->addLayout(busquedas);
     capaDisponibles->addWidget(divisionDisponibles, 1);
 
@@ -257,23 +239,23 @@ QWidget* TKitsF::creaPaginaComposicion() {
             &TKitsF::actualizaAcciones);
     connect(detalles_, &KitDetalles::cambio, this, &TKitsF::actualizaAcciones);
 
-    cantidad_ = boton(QStringLiteral("Actualizacion"), QStringLiteral("Cantidad"),
-                      QStringLiteral("BotonCantidad"), nullptr, seleccionados);
-    subir_ = boton(QStringLiteral("FlechaArriba"), QString(), QStringLiteral("BotonSubir"), nullptr,
-                   seleccionados);
+    cantidad_ = creaBoton(QStringLiteral("Actualizacion"), QStringLiteral("Cantidad"),
+                          QStringLiteral("BotonCantidad"), nullptr, seleccionados);
+    subir_ = creaBoton(QStringLiteral("FlechaArriba"), QString(), QStringLiteral("BotonSubir"),
+                       nullptr, seleccionados);
     subir_->setToolTip(QStringLiteral("Subir"));
-    bajar_ = boton(QStringLiteral("FlechaAbajo"), QString(), QStringLiteral("BotonBajar"), nullptr,
-                   seleccionados);
+    bajar_ = creaBoton(QStringLiteral("FlechaAbajo"), QString(), QStringLiteral("BotonBajar"),
+                       nullptr, seleccionados);
     bajar_->setToolTip(QStringLiteral("Bajar"));
-    borrar_ = boton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
-                    QStringLiteral("BotonBorrar"), "peligro", seleccionados);
+    borrar_ = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
+                        QStringLiteral("BotonBorrar"), "peligro", seleccionados);
     connect(cantidad_, &QPushButton::clicked, this, &TKitsF::BotonCantidadClick);
     connect(subir_, &QPushButton::clicked, this, &TKitsF::BotonSubirClick);
     connect(bajar_, &QPushButton::clicked, this, &TKitsF::BotonBajarClick);
     connect(borrar_, &QPushButton::clicked, this, &TKitsF::BotonBorrarClick);
 
-    total_ =
-        etiqueta(QStringLiteral("Total= $0.00"), QStringLiteral("TotalKit"), "pie", seleccionados);
+    total_ = creaEtiqueta(QStringLiteral("Total= $0.00"), QStringLiteral("TotalKit"), "pie",
+                          seleccionados);
     auto* acciones = new QHBoxLayout;
     acciones->addWidget(cantidad_);
     acciones->addWidget(subir_);
@@ -282,9 +264,9 @@ QWidget* TKitsF::creaPaginaComposicion() {
     acciones->addWidget(borrar_);
     auto* capaSeleccionados = new QVBoxLayout(seleccionados);
     capaSeleccionados->setContentsMargins(0, 0, 0, 0);
-    capaSeleccionados->addWidget(etiqueta(QStringLiteral("Seleccionados"),
-                                          QStringLiteral("Seleccionados"), "subtitulo",
-                                          seleccionados));
+    capaSeleccionados->addWidget(creaEtiqueta(QStringLiteral("Seleccionados"),
+                                              QStringLiteral("Seleccionados"), "subtitulo",
+                                              seleccionados));
     capaSeleccionados->addWidget(listaDetalles_, 1);
     capaSeleccionados->addLayout(acciones);
     capaSeleccionados->addWidget(total_, 0, Qt::AlignRight);

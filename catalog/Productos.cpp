@@ -44,7 +44,6 @@ const QString kFormatoFecha = QStringLiteral("dd/MM/yyyy");
 const QString kImagenLineaVacia = QStringLiteral("Lineas");
 constexpr int kIconoLinea = 32;
 constexpr int kIconoKardex = 40;
-constexpr int kAltoControl = 48; // cómodo para el dedo
 
 const QString kTituloNodo = QStringLiteral("Introduzca el Nombre del Nodo");
 constexpr int kLargoNombreNodo = 255;
@@ -86,14 +85,6 @@ QString rutaDe(const QTreeWidgetItem* item) {
     return partes.join(QStringLiteral(" / "));
 }
 
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
-}
-
 } // namespace
 
 const QStringList& TProductosF::opcionesMenuArbol() {
@@ -117,7 +108,7 @@ TProductosF::TProductosF(const Sesion& sesion, QWidget* padre)
     buscarProducto_->setObjectName(QStringLiteral("BuscarProducto"));
     buscarProducto_->setPlaceholderText(QStringLiteral("Clave, Descripción ó Código de Barra"));
     buscarProducto_->setClearButtonEnabled(true);
-    buscarProducto_->setMinimumHeight(kAltoControl);
+    buscarProducto_->setMinimumHeight(AltoControl);
     buscarProducto_->addAction(icono(QStringLiteral("Buscar")), QLineEdit::LeadingPosition);
     connect(buscarProducto_, &QLineEdit::returnPressed, this,
             &TProductosF::BuscarProductoReturnPressed);
@@ -168,14 +159,14 @@ QWidget* TProductosF::creaPaginaLineas() {
     primeraLinea_ =
         new QPushButton(icono(QStringLiteral("Lineas")), QStringLiteral("Crear Línea"), pagina);
     primeraLinea_->setObjectName(QStringLiteral("CrearPrimeraLinea"));
-    primeraLinea_->setMinimumHeight(kAltoControl);
+    primeraLinea_->setMinimumHeight(AltoControl);
     ponEstilo(primeraLinea_, "primario");
     primeraLinea_->hide();
     connect(primeraLinea_, &QPushButton::clicked, this, &TProductosF::CrearPrimeraLineaClick);
 
     auto* capa = new QVBoxLayout(pagina);
-    capa->addWidget(etiqueta(QStringLiteral("Toque una Línea para ver sus opciones"),
-                             QStringLiteral("IndicacionLineas"), "subtitulo", pagina));
+    capa->addWidget(creaEtiqueta(QStringLiteral("Toque una Línea para ver sus opciones"),
+                                 QStringLiteral("IndicacionLineas"), "subtitulo", pagina));
     capa->addWidget(lineas_, 1);
     capa->addWidget(primeraLinea_, 0, Qt::AlignLeft);
     return pagina;
@@ -184,13 +175,13 @@ QWidget* TProductosF::creaPaginaLineas() {
 QWidget* TProductosF::creaPaginaProductos() {
     auto* pagina = new QWidget;
     pagina->setObjectName(QStringLiteral("SeleccionaProducto"));
-    tituloProductos_ = etiqueta({}, QStringLiteral("TituloProductos"), "titulo", pagina);
+    tituloProductos_ = creaEtiqueta({}, QStringLiteral("TituloProductos"), "titulo", pagina);
 
     buscarTexto_ = new QLineEdit(pagina);
     buscarTexto_->setObjectName(QStringLiteral("BuscarTexto"));
     buscarTexto_->setPlaceholderText(QStringLiteral("Filtrar los productos listados"));
     buscarTexto_->setClearButtonEnabled(true);
-    buscarTexto_->setMinimumHeight(kAltoControl);
+    buscarTexto_->setMinimumHeight(AltoControl);
     connect(buscarTexto_, &QLineEdit::textChanged, this, &TProductosF::BuscarTextoChange);
 
     productos_ = new QListView(pagina);
@@ -209,28 +200,28 @@ QWidget* TProductosF::creaPaginaProductos() {
             &TProductosF::actualizaAcciones);
     connect(productos_, &QListView::activated, this, &TProductosF::ProductosItemActivated);
 
-    pieProductos_ = etiqueta(QStringLiteral("Total Registros: 0"), QStringLiteral("PieProductos"),
-                             "pie", pagina);
+    pieProductos_ = creaEtiqueta(QStringLiteral("Total Registros: 0"),
+                                 QStringLiteral("PieProductos"), "pie", pagina);
     botonModificar_ = new QPushButton(icono(QStringLiteral("Actualizacion")),
                                       QStringLiteral("Modificar"), pagina);
     botonModificar_->setObjectName(QStringLiteral("BotonModificar"));
-    botonModificar_->setMinimumHeight(kAltoControl);
+    botonModificar_->setMinimumHeight(AltoControl);
     ponEstilo(botonModificar_, "primario");
     connect(botonModificar_, &QPushButton::clicked, this, &TProductosF::BotonModificarClick);
     botonNuevo_ = new QPushButton(icono(QStringLiteral("Insercion")),
                                   QStringLiteral("Nuevo Producto"), pagina);
     botonNuevo_->setObjectName(QStringLiteral("BotonNuevoProducto"));
-    botonNuevo_->setMinimumHeight(kAltoControl);
+    botonNuevo_->setMinimumHeight(AltoControl);
     connect(botonNuevo_, &QPushButton::clicked, this, &TProductosF::BotonNuevoProductoClick);
     botonKardex_ =
         new QPushButton(icono(QStringLiteral("Kardex")), QStringLiteral("Kardex"), pagina);
     botonKardex_->setObjectName(QStringLiteral("BotonKardex"));
-    botonKardex_->setMinimumHeight(kAltoControl);
+    botonKardex_->setMinimumHeight(AltoControl);
     connect(botonKardex_, &QPushButton::clicked, this, &TProductosF::BotonKardexClick);
     botonBorrar_ =
         new QPushButton(icono(QStringLiteral("Cancelacion")), QStringLiteral("Borrar"), pagina);
     botonBorrar_->setObjectName(QStringLiteral("BotonBorrar"));
-    botonBorrar_->setMinimumHeight(kAltoControl);
+    botonBorrar_->setMinimumHeight(AltoControl);
     ponEstilo(botonBorrar_, "peligro");
     connect(botonBorrar_, &QPushButton::clicked, this, &TProductosF::BotonBorrarClick);
 
@@ -253,27 +244,28 @@ QWidget* TProductosF::creaPaginaProductos() {
 QWidget* TProductosF::creaPaginaFechas() {
     auto* pagina = new QWidget;
     pagina->setObjectName(QStringLiteral("ConsultaFechaKardex"));
-    productoFechas_ = etiqueta({}, QStringLiteral("ProductoKardex"), "titulo", pagina);
+    productoFechas_ = creaEtiqueta({}, QStringLiteral("ProductoKardex"), "titulo", pagina);
 
     auto* tarjeta = new QFrame(pagina);
     ponEstilo(tarjeta, "tarjeta");
     auto* rejilla = new QGridLayout(tarjeta);
     // Cada elemento con su nombre arriba y su ayuda abajo; el calendario, grande para el dedo.
     auto creaFecha = [&](const QString& nombre, const QString& texto, QDate fecha, int columna) {
-        auto* titulo = etiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
+        auto* titulo =
+            creaEtiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
         auto* campo = new QDateEdit(fecha, tarjeta);
         campo->setObjectName(nombre);
         campo->setCalendarPopup(true);
         campo->setDisplayFormat(kFormatoFecha);
-        campo->setMinimumHeight(kAltoControl);
+        campo->setMinimumHeight(AltoControl);
         campo->calendarWidget()->setMinimumSize(380, 300);
         const QString ayuda = QStringLiteral("Presione aquí para modificar fecha");
         campo->setToolTip(ayuda);
         titulo->setBuddy(campo);
         rejilla->addWidget(titulo, 0, columna);
         rejilla->addWidget(campo, 1, columna);
-        rejilla->addWidget(etiqueta(ayuda, QStringLiteral("Ayuda") + nombre, nullptr, tarjeta), 2,
-                           columna);
+        rejilla->addWidget(creaEtiqueta(ayuda, QStringLiteral("Ayuda") + nombre, nullptr, tarjeta),
+                           2, columna);
         return campo;
     };
     const QDate hoy = QDate::currentDate();
@@ -284,13 +276,13 @@ QWidget* TProductosF::creaPaginaFechas() {
     mostrar_ = new QPushButton(icono(QStringLiteral("Kardex")),
                                QStringLiteral("Mostrar Resultados"), tarjeta);
     mostrar_->setObjectName(QStringLiteral("MostrarResultadosKardex"));
-    mostrar_->setMinimumHeight(kAltoControl);
+    mostrar_->setMinimumHeight(AltoControl);
     mostrar_->setToolTip(QStringLiteral("Presione aquí para Consultar"));
     ponEstilo(mostrar_, "primario");
     connect(mostrar_, &QPushButton::clicked, this, &TProductosF::MostrarResultadosClick);
     rejilla->addWidget(mostrar_, 1, 2);
-    rejilla->addWidget(etiqueta(QStringLiteral("Presione aquí para Consultar"),
-                                QStringLiteral("AyudaMostrarResultados"), nullptr, tarjeta),
+    rejilla->addWidget(creaEtiqueta(QStringLiteral("Presione aquí para Consultar"),
+                                    QStringLiteral("AyudaMostrarResultados"), nullptr, tarjeta),
                        2, 2);
     rejilla->setColumnStretch(3, 1);
 
@@ -304,7 +296,7 @@ QWidget* TProductosF::creaPaginaFechas() {
 QWidget* TProductosF::creaPaginaKardex() {
     auto* pagina = new QWidget;
     pagina->setObjectName(QStringLiteral("ResultadoKardex"));
-    tituloKardex_ = etiqueta({}, QStringLiteral("TituloKardex"), "titulo", pagina);
+    tituloKardex_ = creaEtiqueta({}, QStringLiteral("TituloKardex"), "titulo", pagina);
     tituloKardex_->setWordWrap(true);
 
     listaDetalle_ = new QListWidget(pagina);
@@ -317,9 +309,9 @@ QWidget* TProductosF::creaPaginaKardex() {
     listaDetalle_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     QScroller::grabGesture(listaDetalle_->viewport(), QScroller::LeftMouseButtonGesture);
 
-    existenciaActual_ = etiqueta(QStringLiteral("Existencia Actual:"),
-                                 QStringLiteral("ExistenciaActual"), "dato", pagina);
-    pieKardex_ = etiqueta({}, QStringLiteral("PieKardex"), "pie", pagina);
+    existenciaActual_ = creaEtiqueta(QStringLiteral("Existencia Actual:"),
+                                     QStringLiteral("ExistenciaActual"), "dato", pagina);
+    pieKardex_ = creaEtiqueta({}, QStringLiteral("PieKardex"), "pie", pagina);
 
     auto* abajo = new QHBoxLayout;
     abajo->addWidget(pieKardex_, 1);

@@ -33,7 +33,6 @@
 namespace cajaplex {
 namespace {
 
-constexpr int kAltoControl = 48; // cómodo para el dedo
 constexpr int kAnchoContenido = 980;
 constexpr int kAnchoEtiqueta = 330;
 const QSize kVistaFoto(480, 360);
@@ -51,19 +50,11 @@ const QStringList kTasasIeps = {
     QStringLiteral("25.00"), QStringLiteral("26.50"), QStringLiteral("30.00"),
     QStringLiteral("53.00"), QStringLiteral("160.00")};
 
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
-}
-
 QPushButton* boton(const QString& nombre, const QString& texto, const QString& imagen,
                    QWidget* padre) {
     auto* b = new QPushButton(icono(imagen), texto, padre);
     b->setObjectName(nombre);
-    b->setMinimumHeight(kAltoControl);
+    b->setMinimumHeight(AltoControl);
     return b;
 }
 
@@ -138,9 +129,9 @@ TProductosEditaF::TProductosEditaF(const Sesion& sesion, int64_t productoID, int
     auto* barra = new QFrame(this);
     barra->setObjectName(QStringLiteral("BarraEdicion"));
     ponEstilo(barra, "tarjeta");
-    titulo_ =
-        etiqueta(esNuevo() ? QStringLiteral("Alta Producto") : QStringLiteral("Modifica Producto"),
-                 QStringLiteral("TituloPagina"), "titulo", barra);
+    titulo_ = creaEtiqueta(esNuevo() ? QStringLiteral("Alta Producto")
+                                     : QStringLiteral("Modifica Producto"),
+                           QStringLiteral("TituloPagina"), "titulo", barra);
     siguiente_ = boton(QStringLiteral("BotonSiguiente"), QStringLiteral("Almacenar"),
                        QStringLiteral("Actualizacion"), barra);
     ponEstilo(siguiente_, "primario");
@@ -192,7 +183,7 @@ QWidget* TProductosEditaF::creaPaginaDatos() {
         nombre.remove(QLatin1Char(' '));
         columna->addSpacing(6);
         columna->addWidget(
-            etiqueta(titulo, QStringLiteral("Grupo") + nombre, "subtitulo", contenido));
+            creaEtiqueta(titulo, QStringLiteral("Grupo") + nombre, "subtitulo", contenido));
         tarjeta = new QFrame(contenido);
         ponEstilo(tarjeta, "tarjeta");
         rejilla = new QGridLayout(tarjeta);
@@ -204,8 +195,9 @@ QWidget* TProductosEditaF::creaPaginaDatos() {
     // Cada elemento con su leyenda; el editor lleva el nombre de su columna.
     auto item = [&](const QString& leyenda, QWidget* editor, const QString& nombreColumna) {
         editor->setObjectName(nombreColumna);
-        editor->setMinimumHeight(kAltoControl);
-        auto* l = etiqueta(leyenda, QStringLiteral("Etiqueta") + nombreColumna, nullptr, tarjeta);
+        editor->setMinimumHeight(AltoControl);
+        auto* l =
+            creaEtiqueta(leyenda, QStringLiteral("Etiqueta") + nombreColumna, nullptr, tarjeta);
         l->setBuddy(editor);
         l->setProperty("columna", nombreColumna);
         rejilla->addWidget(l, fila, 0);
@@ -324,8 +316,8 @@ QWidget* TProductosEditaF::creaPaginaFoto() {
     for (QPushButton* b : {seleccionarFoto_, rotarFoto_, eliminarFoto_})
         botones->addWidget(b);
     botones->addStretch(1);
-    botones->addWidget(etiqueta(QStringLiteral("La foto se guarda al almacenar el producto."),
-                                QStringLiteral("AyudaFoto"), nullptr, pagina));
+    botones->addWidget(creaEtiqueta(QStringLiteral("La foto se guarda al almacenar el producto."),
+                                    QStringLiteral("AyudaFoto"), nullptr, pagina));
     auto* capa = new QHBoxLayout(pagina);
     capa->addWidget(vistaFoto_, 1);
     capa->addLayout(botones);
@@ -342,8 +334,8 @@ QWidget* TProductosEditaF::creaPaginaEtiqueta() {
     int fila = 0;
     auto item = [&](const QString& leyenda, QWidget* editor, const QString& nombre) {
         editor->setObjectName(nombre);
-        editor->setMinimumHeight(kAltoControl);
-        auto* l = etiqueta(leyenda, QStringLiteral("Etiqueta") + nombre, nullptr, tarjeta);
+        editor->setMinimumHeight(AltoControl);
+        auto* l = creaEtiqueta(leyenda, QStringLiteral("Etiqueta") + nombre, nullptr, tarjeta);
         l->setBuddy(editor);
         rejilla->addWidget(l, fila, 0);
         rejilla->addWidget(editor, fila, 1);

@@ -28,7 +28,6 @@ namespace {
 
 enum Pagina { PaginaBusqueda, PaginaRangos, PaginaEdicion };
 
-constexpr int kAltoControl = 48;   // cómodo para el dedo
 constexpr int kAnchoTarjeta = 760; // los campos no se estiran a lo ancho de la pantalla
 const QString kSinRegistros = QStringLiteral("No hubo registros con esa información");
 
@@ -40,28 +39,11 @@ QHBoxLayout* alaIzquierda(QWidget* tarjeta) {
     return fila;
 }
 
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
-}
-
-QPushButton* boton(const QString& imagen, const QString& texto, const QString& nombre,
-                   const char* estilo, QWidget* padre) {
-    auto* b = new QPushButton(icono(imagen), texto, padre);
-    b->setObjectName(nombre);
-    b->setMinimumHeight(kAltoControl);
-    if (estilo) ponEstilo(b, estilo);
-    return b;
-}
-
 // Cantidades y precios se teclean con punto decimal, sin separador de miles.
 QLineEdit* campoNumerico(const QString& nombre, int decimales, QWidget* padre) {
     auto* campo = new QLineEdit(padre);
     campo->setObjectName(nombre);
-    campo->setMinimumHeight(kAltoControl);
+    campo->setMinimumHeight(AltoControl);
     auto* validador = new QDoubleValidator(0.0, 1e12, decimales, campo);
     validador->setNotation(QDoubleValidator::StandardNotation);
     validador->setLocale(QLocale::c());
@@ -101,7 +83,7 @@ TRangosEditaF::TRangosEditaF(const Sesion& sesion, QWidget* padre)
     : QWidget(padre), rangos_(ModuloDeDatos.ConexionBD, sesion) {
     setObjectName(QStringLiteral("RangosEdita"));
     setWindowTitle(QStringLiteral("Edición de Rangos"));
-    titulo_ = etiqueta({}, QStringLiteral("TituloEdicion"), "subtitulo", this);
+    titulo_ = creaEtiqueta({}, QStringLiteral("TituloEdicion"), "subtitulo", this);
 
     auto* tarjeta = new QFrame(this);
     ponEstilo(tarjeta, "tarjeta");
@@ -109,15 +91,15 @@ TRangosEditaF::TRangosEditaF(const Sesion& sesion, QWidget* padre)
     auto* rejilla = new QGridLayout(tarjeta);
     cantidad_ = campoNumerico(QStringLiteral("Cantidad"), 6, tarjeta);
     precio_ = campoNumerico(QStringLiteral("PrecioVenta"), 6, tarjeta);
-    auto* tituloCantidad = etiqueta(QStringLiteral("Cantidad (Requerido)"),
-                                    QStringLiteral("EtiquetaCantidad"), "subtitulo", tarjeta);
+    auto* tituloCantidad = creaEtiqueta(QStringLiteral("Cantidad (Requerido)"),
+                                        QStringLiteral("EtiquetaCantidad"), "subtitulo", tarjeta);
     tituloCantidad->setBuddy(cantidad_);
-    auto* tituloPrecio = etiqueta(QStringLiteral("Precio de Venta (Requerido)"),
-                                  QStringLiteral("EtiquetaPrecioVenta"), "subtitulo", tarjeta);
+    auto* tituloPrecio = creaEtiqueta(QStringLiteral("Precio de Venta (Requerido)"),
+                                      QStringLiteral("EtiquetaPrecioVenta"), "subtitulo", tarjeta);
     tituloPrecio->setBuddy(precio_);
     auto* seleccionaPrecio =
-        boton(QStringLiteral("Productos"), QStringLiteral("Seleccione el Precio de Venta"),
-              QStringLiteral("BotonSeleccionaPrecio"), nullptr, tarjeta);
+        creaBoton(QStringLiteral("Productos"), QStringLiteral("Seleccione el Precio de Venta"),
+                  QStringLiteral("BotonSeleccionaPrecio"), nullptr, tarjeta);
     rejilla->addWidget(tituloCantidad, 0, 0);
     rejilla->addWidget(cantidad_, 1, 0);
     rejilla->addWidget(tituloPrecio, 2, 0);
@@ -125,10 +107,10 @@ TRangosEditaF::TRangosEditaF(const Sesion& sesion, QWidget* padre)
     rejilla->addWidget(seleccionaPrecio, 3, 1);
     rejilla->setColumnStretch(0, 1);
 
-    almacenar_ = boton(QStringLiteral("Insercion"), QStringLiteral("Almacenar"),
-                       QStringLiteral("BotonAlmacenar"), "primario", this);
-    auto* cancelar = boton(QStringLiteral("Regresar"), QStringLiteral("Cancelar"),
-                           QStringLiteral("BotonCancelar"), nullptr, this);
+    almacenar_ = creaBoton(QStringLiteral("Insercion"), QStringLiteral("Almacenar"),
+                           QStringLiteral("BotonAlmacenar"), "primario", this);
+    auto* cancelar = creaBoton(QStringLiteral("Regresar"), QStringLiteral("Cancelar"),
+                               QStringLiteral("BotonCancelar"), nullptr, this);
     connect(almacenar_, &QPushButton::clicked, this, &TRangosEditaF::BotonAlmacenarClick);
     connect(cancelar, &QPushButton::clicked, this, &TRangosEditaF::BotonCancelarClick);
     connect(seleccionaPrecio, &QPushButton::clicked, this,
@@ -245,13 +227,13 @@ TRangosF::TRangosF(const Sesion& sesion, qint64 productoID, QWidget* padre)
     buscar_->setObjectName(QStringLiteral("BuscarProducto"));
     buscar_->setPlaceholderText(QStringLiteral("Clave, Descripción ó Código de Barra"));
     buscar_->setClearButtonEnabled(true);
-    buscar_->setMinimumHeight(kAltoControl);
+    buscar_->setMinimumHeight(AltoControl);
     buscar_->addAction(icono(QStringLiteral("Buscar")), QLineEdit::LeadingPosition);
     connect(buscar_, &QLineEdit::returnPressed, this, &TRangosF::BuscarProductoReturnPressed);
     // Abierta para un producto no hay nada que buscar.
     buscar_->setVisible(productoID == 0);
 
-    tituloProducto_ = etiqueta({}, QStringLiteral("ProductoRangos"), "titulo", this);
+    tituloProducto_ = creaEtiqueta({}, QStringLiteral("ProductoRangos"), "titulo", this);
     tituloProducto_->setWordWrap(true);
 
     edicion_ = new TRangosEditaF(sesion, this);
@@ -301,9 +283,9 @@ QWidget* TRangosF::creaPaginaBusqueda() {
 
     auto* capa = new QVBoxLayout(pagina);
     capa->setContentsMargins(0, 0, 0, 0);
-    capa->addWidget(etiqueta(QStringLiteral("Busque el Producto por su Clave, Descripción ó "
-                                            "Código de Barra y tóquelo para ver sus Rangos"),
-                             QStringLiteral("IndicacionBusqueda"), "subtitulo", pagina));
+    capa->addWidget(creaEtiqueta(QStringLiteral("Busque el Producto por su Clave, Descripción ó "
+                                                "Código de Barra y tóquelo para ver sus Rangos"),
+                                 QStringLiteral("IndicacionBusqueda"), "subtitulo", pagina));
     capa->addWidget(listaEncontrados_, 1);
     return pagina;
 }
@@ -322,14 +304,14 @@ QWidget* TRangosF::creaPaginaRangos() {
     connect(lista_, &QListWidget::currentItemChanged, this, &TRangosF::actualizaAcciones);
     connect(lista_, &QListWidget::itemActivated, this, &TRangosF::ListaRangosItemActivated);
 
-    pie_ = etiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieRangos"), "pie",
-                    pagina);
-    nuevo_ = boton(QStringLiteral("Insercion"), QStringLiteral("Nuevo"),
-                   QStringLiteral("BotonNuevo"), "primario", pagina);
-    modificar_ = boton(QStringLiteral("Actualizacion"), QStringLiteral("Modificar"),
-                       QStringLiteral("BotonModificar"), nullptr, pagina);
-    borrar_ = boton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
-                    QStringLiteral("BotonBorrar"), "peligro", pagina);
+    pie_ = creaEtiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieRangos"),
+                        "pie", pagina);
+    nuevo_ = creaBoton(QStringLiteral("Insercion"), QStringLiteral("Nuevo"),
+                       QStringLiteral("BotonNuevo"), "primario", pagina);
+    modificar_ = creaBoton(QStringLiteral("Actualizacion"), QStringLiteral("Modificar"),
+                           QStringLiteral("BotonModificar"), nullptr, pagina);
+    borrar_ = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
+                        QStringLiteral("BotonBorrar"), "peligro", pagina);
     connect(nuevo_, &QPushButton::clicked, this, &TRangosF::BotonNuevoClick);
     connect(modificar_, &QPushButton::clicked, this, &TRangosF::BotonModificarClick);
     connect(borrar_, &QPushButton::clicked, this, &TRangosF::BotonBorrarClick);

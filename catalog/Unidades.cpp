@@ -24,7 +24,6 @@ namespace {
 
 enum Pagina { PaginaLista, PaginaEdicion };
 
-constexpr int kAltoControl = 48;   // cómodo para el dedo
 constexpr int kAnchoTarjeta = 760; // los campos no se estiran a lo ancho de la pantalla
 constexpr int kLargoTexto = 255;
 
@@ -34,23 +33,6 @@ QHBoxLayout* alaIzquierda(QWidget* tarjeta) {
     fila->addWidget(tarjeta, 3);
     fila->addStretch(1);
     return fila;
-}
-
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
-}
-
-QPushButton* boton(const QString& imagen, const QString& texto, const QString& nombre,
-                   const char* estilo, QWidget* padre) {
-    auto* b = new QPushButton(icono(imagen), texto, padre);
-    b->setObjectName(nombre);
-    b->setMinimumHeight(kAltoControl);
-    if (estilo) ponEstilo(b, estilo);
-    return b;
 }
 
 } // namespace
@@ -63,18 +45,19 @@ TUnidadesEditaF::TUnidadesEditaF(const Sesion& sesion, QWidget* padre)
     : QWidget(padre), catalogo_(ModuloDeDatos.ConexionBD, sesion) {
     setObjectName(QStringLiteral("UnidadesEdita"));
     setWindowTitle(QStringLiteral("Unidades de Medida"));
-    titulo_ = etiqueta({}, QStringLiteral("TituloEdicion"), "titulo", this);
+    titulo_ = creaEtiqueta({}, QStringLiteral("TituloEdicion"), "titulo", this);
 
     auto* tarjeta = new QFrame(this);
     ponEstilo(tarjeta, "tarjeta");
     tarjeta->setMaximumWidth(kAnchoTarjeta);
     auto* rejilla = new QGridLayout(tarjeta);
     auto campo = [&](const QString& nombre, const QString& texto, int renglon) {
-        auto* titulo = etiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
+        auto* titulo =
+            creaEtiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
         auto* c = new QLineEdit(tarjeta);
         c->setObjectName(nombre);
         c->setMaxLength(kLargoTexto);
-        c->setMinimumHeight(kAltoControl);
+        c->setMinimumHeight(AltoControl);
         titulo->setBuddy(c);
         rejilla->addWidget(titulo, renglon, 0);
         rejilla->addWidget(c, renglon + 1, 0);
@@ -85,10 +68,10 @@ TUnidadesEditaF::TUnidadesEditaF(const Sesion& sesion, QWidget* padre)
     claveSAT_ = campo(QStringLiteral("ClaveSAT"), QStringLiteral("Clave SAT (Requerido)"), 2);
     claveSAT_->setPlaceholderText(QStringLiteral("H87, KGM, LTR..."));
 
-    almacenar_ = boton(QStringLiteral("Insercion"), QStringLiteral("Almacenar"),
-                       QStringLiteral("BotonAlmacenar"), "primario", this);
-    auto* cancelar = boton(QStringLiteral("Regresar"), QStringLiteral("Cancelar"),
-                           QStringLiteral("BotonCancelar"), nullptr, this);
+    almacenar_ = creaBoton(QStringLiteral("Insercion"), QStringLiteral("Almacenar"),
+                           QStringLiteral("BotonAlmacenar"), "primario", this);
+    auto* cancelar = creaBoton(QStringLiteral("Regresar"), QStringLiteral("Cancelar"),
+                               QStringLiteral("BotonCancelar"), nullptr, this);
     connect(almacenar_, &QPushButton::clicked, this, &TUnidadesEditaF::BotonAlmacenarClick);
     connect(cancelar, &QPushButton::clicked, this, &TUnidadesEditaF::BotonCancelarClick);
     connect(claveSAT_, &QLineEdit::returnPressed, this, &TUnidadesEditaF::BotonAlmacenarClick);
@@ -192,14 +175,14 @@ TUnidadesF::TUnidadesF(const Sesion& sesion, QWidget* padre)
     connect(lista_, &QListWidget::currentItemChanged, this, &TUnidadesF::actualizaAcciones);
     connect(lista_, &QListWidget::itemActivated, this, &TUnidadesF::ListaUnidadesItemActivated);
 
-    pie_ = etiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieUnidades"), "pie",
-                    pagina);
-    auto* nuevo = boton(QStringLiteral("Insercion"), QStringLiteral("Nueva"),
-                        QStringLiteral("BotonNuevo"), "primario", pagina);
-    modificar_ = boton(QStringLiteral("Actualizacion"), QStringLiteral("Modificar"),
-                       QStringLiteral("BotonModificar"), nullptr, pagina);
-    borrar_ = boton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
-                    QStringLiteral("BotonBorrar"), "peligro", pagina);
+    pie_ = creaEtiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieUnidades"),
+                        "pie", pagina);
+    auto* nuevo = creaBoton(QStringLiteral("Insercion"), QStringLiteral("Nueva"),
+                            QStringLiteral("BotonNuevo"), "primario", pagina);
+    modificar_ = creaBoton(QStringLiteral("Actualizacion"), QStringLiteral("Modificar"),
+                           QStringLiteral("BotonModificar"), nullptr, pagina);
+    borrar_ = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
+                        QStringLiteral("BotonBorrar"), "peligro", pagina);
     connect(nuevo, &QPushButton::clicked, this, &TUnidadesF::BotonNuevoClick);
     connect(modificar_, &QPushButton::clicked, this, &TUnidadesF::BotonModificarClick);
     connect(borrar_, &QPushButton::clicked, this, &TUnidadesF::BotonBorrarClick);
@@ -210,8 +193,8 @@ TUnidadesF::TUnidadesF(const Sesion& sesion, QWidget* padre)
     abajo->addWidget(modificar_);
     abajo->addWidget(nuevo);
     auto* capaLista = new QVBoxLayout(pagina);
-    capaLista->addWidget(etiqueta(QStringLiteral("Toque dos veces una Unidad para modificarla"),
-                                  QStringLiteral("IndicacionUnidades"), "subtitulo", pagina));
+    capaLista->addWidget(creaEtiqueta(QStringLiteral("Toque dos veces una Unidad para modificarla"),
+                                      QStringLiteral("IndicacionUnidades"), "subtitulo", pagina));
     capaLista->addWidget(lista_, 1);
     capaLista->addLayout(abajo);
 

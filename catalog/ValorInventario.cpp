@@ -24,7 +24,6 @@
 namespace cajaplex {
 namespace {
 
-constexpr int kAltoControl = 48;
 constexpr int kAltoRenglon = 40;
 // Clave, descripción, unidad, línea, costo y existencia; luego los seis valores.
 constexpr int kColumnaCosto = 4;
@@ -76,7 +75,7 @@ TValorInventarioF::TValorInventarioF(const Sesion& sesion, QWidget* padre)
     exportar_ = new QPushButton(icono(QStringLiteral("Exportar")),
                                 QStringLiteral("Exportar a Excel"), this);
     exportar_->setObjectName(QStringLiteral("BotonExportar"));
-    exportar_->setMinimumHeight(kAltoControl);
+    exportar_->setMinimumHeight(AltoControl);
     exportar_->setEnabled(false);
     ponEstilo(exportar_, "primario");
     connect(exportar_, &QPushButton::clicked, this, &TValorInventarioF::BotonExportarClick);

@@ -29,7 +29,6 @@
 namespace cajaplex {
 namespace {
 
-constexpr int kAltoControl = 48;
 constexpr int kAltoRenglon = 40;
 const QString kTodasLasLineas = QStringLiteral("TODAS LAS LÍNEAS");
 
@@ -40,14 +39,6 @@ QString filtroLinea(const QString& columna, int64_t lineaID) {
 
 QString textoPorcentaje(double porcentaje) {
     return QLocale::c().toString(porcentaje, 'f', 2);
-}
-
-QLabel* etiqueta(const QString& texto, const QString& nombre, const char* estilo, QWidget* padre) {
-    auto* l = new QLabel(texto, padre);
-    l->setObjectName(nombre);
-    l->setTextFormat(Qt::PlainText);
-    if (estilo) ponEstilo(l, estilo);
-    return l;
 }
 
 QTableWidgetItem* celda(const QString& texto, Qt::Alignment alineacion = Qt::AlignLeft) {
@@ -87,8 +78,8 @@ TAsignaMonederoElectronicoF::TAsignaMonederoElectronicoF(const Sesion& sesion, Q
     // Así se llama la ventana en el sistema, aunque el título diga otra cosa.
     setWindowTitle(QStringLiteral("Incremento de Precios"));
 
-    auto* titulo = etiqueta(QStringLiteral("Asigna Monedero Electrónico"),
-                            QStringLiteral("TituloMonedero"), "titulo", this);
+    auto* titulo = creaEtiqueta(QStringLiteral("Asigna Monedero Electrónico"),
+                                QStringLiteral("TituloMonedero"), "titulo", this);
     paginas_ = new QStackedWidget(this);
     paginas_->setObjectName(QStringLiteral("Paginas"));
     paginas_->addWidget(creaPaginaParametros());
@@ -96,12 +87,12 @@ TAsignaMonederoElectronicoF::TAsignaMonederoElectronicoF(const Sesion& sesion, Q
 
     anterior_ = new QPushButton(QStringLiteral("Anterior"), this);
     anterior_->setObjectName(QStringLiteral("GrupoBotonAnterior"));
-    anterior_->setMinimumSize(160, kAltoControl);
+    anterior_->setMinimumSize(160, AltoControl);
     connect(anterior_, &QPushButton::clicked, this,
             &TAsignaMonederoElectronicoF::GrupoBotonAnteriorClick);
     siguiente_ = new QPushButton(this);
     siguiente_->setObjectName(QStringLiteral("GrupoBotonSiguiente"));
-    siguiente_->setMinimumSize(160, kAltoControl);
+    siguiente_->setMinimumSize(160, AltoControl);
     ponEstilo(siguiente_, "primario");
     connect(siguiente_, &QPushButton::clicked, this,
             &TAsignaMonederoElectronicoF::GrupoBotonSiguienteClick);
@@ -137,7 +128,7 @@ QWidget* TAsignaMonederoElectronicoF::creaPaginaParametros() {
     porcentaje_ = new QLineEdit(QStringLiteral("0.00"), pagina);
     porcentaje_->setObjectName(QStringLiteral("PorcentajeMonedero"));
     porcentaje_->setAlignment(Qt::AlignRight);
-    porcentaje_->setMinimumHeight(kAltoControl);
+    porcentaje_->setMinimumHeight(AltoControl);
     porcentaje_->setMaximumWidth(200);
     auto* validador = new QDoubleValidator(0.0, 100.0, 2, porcentaje_);
     validador->setNotation(QDoubleValidator::StandardNotation);
@@ -150,18 +141,18 @@ QWidget* TAsignaMonederoElectronicoF::creaPaginaParametros() {
 
     auto* rejilla = new QGridLayout(pagina);
     rejilla->setHorizontalSpacing(32);
-    rejilla->addWidget(etiqueta(QStringLiteral("Seleccione la Categoría del Producto"),
-                                QStringLiteral("EtiquetaLinea"), "subtitulo", pagina),
+    rejilla->addWidget(creaEtiqueta(QStringLiteral("Seleccione la Categoría del Producto"),
+                                    QStringLiteral("EtiquetaLinea"), "subtitulo", pagina),
                        0, 0);
-    rejilla->addWidget(etiqueta(QStringLiteral("Seleccione Línea"), QStringLiteral("DetalleLinea"),
-                                nullptr, pagina),
+    rejilla->addWidget(creaEtiqueta(QStringLiteral("Seleccione Línea"),
+                                    QStringLiteral("DetalleLinea"), nullptr, pagina),
                        1, 0);
     rejilla->addWidget(lineas_, 2, 0, 2, 1);
-    rejilla->addWidget(etiqueta(QStringLiteral("Porcentaje de Monedero Electrónico"),
-                                QStringLiteral("EtiquetaPorcentaje"), "subtitulo", pagina),
+    rejilla->addWidget(creaEtiqueta(QStringLiteral("Porcentaje de Monedero Electrónico"),
+                                    QStringLiteral("EtiquetaPorcentaje"), "subtitulo", pagina),
                        0, 1);
-    rejilla->addWidget(etiqueta(QStringLiteral("Indique Valor del Porcentaje"),
-                                QStringLiteral("DetallePorcentaje"), nullptr, pagina),
+    rejilla->addWidget(creaEtiqueta(QStringLiteral("Indique Valor del Porcentaje"),
+                                    QStringLiteral("DetallePorcentaje"), nullptr, pagina),
                        1, 1);
     rejilla->addLayout(campo, 2, 1);
     rejilla->setRowStretch(3, 1);
@@ -173,7 +164,7 @@ QWidget* TAsignaMonederoElectronicoF::creaPaginaParametros() {
 QWidget* TAsignaMonederoElectronicoF::creaPaginaProductos() {
     auto* pagina = new QWidget;
     pagina->setObjectName(QStringLiteral("ProductosMonedero"));
-    resumen_ = etiqueta({}, QStringLiteral("ResumenMonedero"), "subtitulo", pagina);
+    resumen_ = creaEtiqueta({}, QStringLiteral("ResumenMonedero"), "subtitulo", pagina);
 
     productos_ = new QTableWidget(0, 4, pagina);
     productos_->setObjectName(QStringLiteral("Productos"));
@@ -193,8 +184,8 @@ QWidget* TAsignaMonederoElectronicoF::creaPaginaProductos() {
     productos_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     QScroller::grabGesture(productos_->viewport(), QScroller::LeftMouseButtonGesture);
 
-    pie_ = etiqueta(QStringLiteral("Total Productos: 0"), QStringLiteral("PieProductos"), "pie",
-                    pagina);
+    pie_ = creaEtiqueta(QStringLiteral("Total Productos: 0"), QStringLiteral("PieProductos"), "pie",
+                        pagina);
     auto* capa = new QVBoxLayout(pagina);
     capa->setContentsMargins(0, 0, 0, 0);
     capa->addWidget(resumen_);

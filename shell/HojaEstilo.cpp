@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QFile>
 #include <QFont>
+#include <QLabel>
 #include <QPainter>
 #include <QPalette>
 #include <QPointer>
@@ -179,6 +180,24 @@ QPixmap imagen(const QString& nombre, const QSize& tamano) {
     pintor.drawPixmap((tamano.width() - dibujo.width()) / 2,
                       (tamano.height() - dibujo.height()) / 2, dibujo);
     return lienzo;
+}
+
+QLabel* creaEtiqueta(const QString& texto, const QString& nombre, const char* estilo,
+                     QWidget* padre) {
+    auto* l = new QLabel(texto, padre);
+    l->setObjectName(nombre);
+    l->setTextFormat(Qt::PlainText);
+    if (estilo) ponEstilo(l, estilo);
+    return l;
+}
+
+QPushButton* creaBoton(const QString& imagen, const QString& texto, const QString& nombre,
+                       const char* estilo, QWidget* padre) {
+    auto* b = new QPushButton(icono(imagen), texto, padre);
+    b->setObjectName(nombre);
+    b->setMinimumHeight(AltoControl);
+    if (estilo) ponEstilo(b, estilo);
+    return b;
 }
 
 } // namespace cajaplex

@@ -6,6 +6,8 @@
 #include <QString>
 
 class QApplication;
+class QLabel;
+class QPushButton;
 class QWidget;
 
 namespace cajaplex {
@@ -27,6 +29,16 @@ QString hojaEstilo();
 void aplicaHojaEstilo(QApplication& aplicacion);
 // Marca un control para la hoja de estilo y lo vuelve a pulir si ya estaba visible.
 void ponEstilo(QWidget* control, const char* estilo);
+
+// Alto mínimo de botones y campos: cómodo para el dedo.
+inline constexpr int AltoControl = 48;
+
+// Una etiqueta de texto simple (nunca interpreta marcas) con su objectName y su estilo (o nullptr).
+QLabel* creaEtiqueta(const QString& texto, const QString& nombre, const char* estilo,
+                     QWidget* padre);
+// Un botón con imagen del proyecto, su objectName, su estilo (o nullptr) y el alto de control.
+QPushButton* creaBoton(const QString& imagen, const QString& texto, const QString& nombre,
+                       const char* estilo, QWidget* padre);
 
 // Imágenes del proyecto por nombre ("LogotipoVacio", "Insercion"...), de :/imagenes/<nombre>.svg.
 QIcon icono(const QString& nombre);
