@@ -19,8 +19,8 @@
 #include <QDateTime>
 #include <QString>
 
-#include "ModuloDatos.h"
-#include "ServicioPrueba.h"
+#include "datos/ModuloDatos.h"
+#include "tests/fixtures/ServicioPrueba.h"
 
 namespace {
 

@@ -21,11 +21,11 @@
 
 #include <httplib.h>
 
-#include "Medicion.h"
-#include "Migraciones.h"
-#include "MotorSqlite.h"
-#include "Protocolo.h"
-#include "ServicioPrueba.h"
+#include "bench/Medicion.h"
+#include "protocol/Protocolo.h"
+#include "server/Migraciones.h"
+#include "server/MotorSqlite.h"
+#include "tests/fixtures/ServicioPrueba.h"
 
 namespace {
 

@@ -26,12 +26,12 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "CatalogoProductos.h"
-#include "Mensajes.h"
-#include "ModuloDatos.h"
-#include "Productos.h"
-#include "ServicioPrueba.h"
-#include "Sonidos.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/Productos.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/Sonidos.h"
+#include "tests/fixtures/ServicioPrueba.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "Medicion.h"
+#include "bench/Medicion.h"
 
 #include <cstdlib>
 #include <fstream>

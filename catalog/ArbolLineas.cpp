@@ -1,4 +1,4 @@
-#include "ArbolLineas.h"
+#include "catalog/ArbolLineas.h"
 
 #include <QTreeWidget>
 #include <QTreeWidgetItem>

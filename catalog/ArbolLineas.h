@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "CatalogoLineas.h"
+#include "catalog/CatalogoLineas.h"
 
 class QTreeWidget;
 class QTreeWidgetItem;

@@ -1,4 +1,4 @@
-#include "AsignaFotoLinea.h"
+#include "catalog/AsignaFotoLinea.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -6,13 +6,13 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "Auditoria.h"
-#include "CatalogoLineas.h"
-#include "Fotos.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "Sonidos.h"
+#include "catalog/CatalogoLineas.h"
+#include "catalog/Fotos.h"
+#include "datos/Auditoria.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

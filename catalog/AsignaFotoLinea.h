@@ -6,9 +6,9 @@
 #include <QDialog>
 #include <QImage>
 
-#include "Consulta.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QPushButton;

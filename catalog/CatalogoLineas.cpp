@@ -1,10 +1,10 @@
-#include "CatalogoLineas.h"
+#include "catalog/CatalogoLineas.h"
 
 #include <QHash>
 
-#include "Auditoria.h"
-#include "ConexionBD.h"
-#include "Transaccion.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Transaccion.h"
 
 namespace cajaplex {
 namespace {

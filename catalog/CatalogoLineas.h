@@ -6,8 +6,8 @@
 #include <QByteArray>
 #include <QString>
 
-#include "Consulta.h"
-#include "Sesion.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
 
 namespace cajaplex {
 

@@ -1,18 +1,18 @@
-#include "CatalogoProductos.h"
+#include "catalog/CatalogoProductos.h"
 
 #include <cmath>
 #include <stdexcept>
 
 #include <QLocale>
 
-#include "Auditoria.h"
-#include "CatalogoLineas.h"
-#include "ConexionBD.h"
-#include "Consulta.h"
-#include "Registros.h"
-#include "RolesRenglon.h"
-#include "Transaccion.h"
-#include "Utilerias.h"
+#include "catalog/CatalogoLineas.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Consulta.h"
+#include "datos/Registros.h"
+#include "datos/Transaccion.h"
+#include "datos/Utilerias.h"
+#include "pantallas/RolesRenglon.h"
 
 namespace cajaplex {
 namespace {

@@ -7,7 +7,7 @@
 #include <QSortFilterProxyModel>
 #include <QString>
 
-#include "Sesion.h"
+#include "datos/Sesion.h"
 
 namespace cajaplex {
 

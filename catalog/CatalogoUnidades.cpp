@@ -1,9 +1,9 @@
-#include "CatalogoUnidades.h"
+#include "catalog/CatalogoUnidades.h"
 
-#include "Auditoria.h"
-#include "ConexionBD.h"
-#include "Transaccion.h"
-#include "Utilerias.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Transaccion.h"
+#include "datos/Utilerias.h"
 
 namespace cajaplex {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <QString>
 
-#include "Consulta.h"
-#include "Sesion.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
 
 namespace cajaplex {
 

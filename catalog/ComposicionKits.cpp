@@ -1,16 +1,16 @@
-#include "ComposicionKits.h"
+#include "catalog/ComposicionKits.h"
 
 #include <stdexcept>
 #include <utility>
 
 #include <QStringList>
 
-#include "Auditoria.h"
-#include "CatalogoProductos.h"
-#include "ConexionBD.h"
-#include "RolesRenglon.h"
-#include "Transaccion.h"
-#include "Utilerias.h"
+#include "catalog/CatalogoProductos.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Transaccion.h"
+#include "datos/Utilerias.h"
+#include "pantallas/RolesRenglon.h"
 
 namespace cajaplex {
 namespace {

@@ -1,12 +1,12 @@
-#include "EdicionProducto.h"
+#include "catalog/EdicionProducto.h"
 
 #include <cmath>
 
-#include "Auditoria.h"
-#include "CatalogoLineas.h"
-#include "ConexionBD.h"
-#include "Transaccion.h"
-#include "Utilerias.h"
+#include "catalog/CatalogoLineas.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Transaccion.h"
+#include "datos/Utilerias.h"
 
 namespace cajaplex {
 namespace {

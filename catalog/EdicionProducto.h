@@ -8,8 +8,9 @@
 #include <QByteArray>
 #include <QString>
 
-#include "Consulta.h"
-#include "Sesion.h"
+#include "catalog/CatalogoUnidades.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
 
 namespace cajaplex {
 
@@ -56,12 +57,6 @@ struct FotoEditada {
     bool cambiada = false; // se eligió otra, se giró o se quitó
     QByteArray foto;       // vacía con `cambiada`: se quitó
     QByteArray miniatura;
-};
-
-struct UnidadMedida {
-    int64_t id = 0;
-    QString unidad;
-    QString claveSAT;
 };
 
 struct MonedaProducto {

@@ -1,4 +1,4 @@
-#include "Fotos.h"
+#include "catalog/Fotos.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "IncrementoPrecios.h"
+#include "catalog/IncrementoPrecios.h"
 
 #include <QDoubleValidator>
 #include <QFrame>
@@ -17,12 +17,12 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "ArbolLineas.h"
-#include "CatalogoProductos.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "Sonidos.h"
+#include "catalog/ArbolLineas.h"
+#include "catalog/CatalogoProductos.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

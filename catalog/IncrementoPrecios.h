@@ -8,10 +8,10 @@
 #include <QString>
 #include <QWidget>
 
-#include "CatalogoLineas.h"
-#include "Mensajes.h"
-#include "PreciosProductos.h"
-#include "Sesion.h"
+#include "catalog/CatalogoLineas.h"
+#include "catalog/PreciosProductos.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QLineEdit;

@@ -1,12 +1,12 @@
-#include "InventarioValorizado.h"
+#include "catalog/InventarioValorizado.h"
 
 #include <QByteArray>
 #include <QFile>
 
 #include <xlsxwriter.h>
 
-#include "Consulta.h"
-#include "Registros.h"
+#include "datos/Consulta.h"
+#include "datos/Registros.h"
 
 namespace cajaplex {
 namespace {

@@ -1,7 +1,7 @@
-#include "KardexProducto.h"
+#include "catalog/KardexProducto.h"
 
-#include "ConexionBD.h"
-#include "Registros.h"
+#include "datos/ConexionBD.h"
+#include "datos/Registros.h"
 
 namespace cajaplex {
 namespace {

@@ -7,7 +7,7 @@
 #include <QDateTime>
 #include <QString>
 
-#include "Consulta.h"
+#include "datos/Consulta.h"
 
 namespace cajaplex {
 

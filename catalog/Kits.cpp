@@ -1,4 +1,4 @@
-#include "Kits.h"
+#include "catalog/Kits.h"
 
 #include <algorithm>
 
@@ -27,15 +27,15 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "ArbolLineas.h"
-#include "CatalogoProductos.h"
-#include "DelegadoRenglon.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
-#include "VisorPdf.h"
+#include "catalog/ArbolLineas.h"
+#include "catalog/CatalogoProductos.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/DelegadoRenglon.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
+#include "printing/VisorPdf.h"
 
 namespace cajaplex {
 namespace {

@@ -6,11 +6,11 @@
 
 #include <QWidget>
 
-#include "CatalogoLineas.h"
-#include "ComposicionKits.h"
-#include "Consulta.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "catalog/CatalogoLineas.h"
+#include "catalog/ComposicionKits.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QCloseEvent;
 class QLabel;

@@ -1,13 +1,13 @@
-#include "PreciosProductos.h"
+#include "catalog/PreciosProductos.h"
 
 #include <QLatin1Char>
 
-#include "Auditoria.h"
-#include "ConexionBD.h"
-#include "Consulta.h"
-#include "Registros.h"
-#include "Transaccion.h"
-#include "Utilerias.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Consulta.h"
+#include "datos/Registros.h"
+#include "datos/Transaccion.h"
+#include "datos/Utilerias.h"
 
 namespace cajaplex {
 namespace {

@@ -7,8 +7,8 @@
 #include <QString>
 #include <QStringList>
 
-#include "CatalogoLineas.h"
-#include "Sesion.h"
+#include "catalog/CatalogoLineas.h"
+#include "datos/Sesion.h"
 
 namespace cajaplex {
 

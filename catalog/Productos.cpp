@@ -1,4 +1,4 @@
-#include "Productos.h"
+#include "catalog/Productos.h"
 
 #include <memory>
 
@@ -25,15 +25,15 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "ArbolLineas.h"
-#include "AsignaFotoLinea.h"
-#include "DelegadoRenglon.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "ProductosEdita.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
+#include "catalog/ArbolLineas.h"
+#include "catalog/AsignaFotoLinea.h"
+#include "catalog/ProductosEdita.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/DelegadoRenglon.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

@@ -7,12 +7,12 @@
 #include <QStringList>
 #include <QWidget>
 
-#include "CatalogoLineas.h"
-#include "CatalogoProductos.h"
-#include "Consulta.h"
-#include "KardexProducto.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "catalog/CatalogoLineas.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/KardexProducto.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QDateEdit;
 class QLabel;

@@ -1,4 +1,4 @@
-#include "ProductosEdita.h"
+#include "catalog/ProductosEdita.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,15 +20,15 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "CatalogoProductos.h"
-#include "ControlAcceso.h"
-#include "Fotos.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "Rangos.h"
-#include "Sonidos.h"
-#include "VisorPdf.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/Fotos.h"
+#include "catalog/Rangos.h"
+#include "datos/ControlAcceso.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
+#include "printing/VisorPdf.h"
 
 namespace cajaplex {
 namespace {

@@ -6,10 +6,10 @@
 #include <QImage>
 #include <QWidget>
 
-#include "CodigoBarras.h"
-#include "EdicionProducto.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "catalog/EdicionProducto.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
+#include "printing/CodigoBarras.h"
 
 class QComboBox;
 class QDoubleSpinBox;

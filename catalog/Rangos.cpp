@@ -1,4 +1,4 @@
-#include "Rangos.h"
+#include "catalog/Rangos.h"
 
 #include <QDoubleValidator>
 #include <QFrame>
@@ -15,13 +15,13 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "CatalogoProductos.h"
-#include "DelegadoRenglon.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
+#include "catalog/CatalogoProductos.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/DelegadoRenglon.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

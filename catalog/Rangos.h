@@ -6,9 +6,9 @@
 
 #include <QWidget>
 
-#include "Mensajes.h"
-#include "RangosPrecios.h"
-#include "Sesion.h"
+#include "catalog/RangosPrecios.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QLineEdit;

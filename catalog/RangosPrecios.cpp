@@ -1,10 +1,10 @@
-#include "RangosPrecios.h"
+#include "catalog/RangosPrecios.h"
 
-#include "Auditoria.h"
-#include "CatalogoProductos.h"
-#include "ConexionBD.h"
-#include "Transaccion.h"
-#include "Utilerias.h"
+#include "catalog/CatalogoProductos.h"
+#include "datos/Auditoria.h"
+#include "datos/ConexionBD.h"
+#include "datos/Transaccion.h"
+#include "datos/Utilerias.h"
 
 namespace cajaplex {
 namespace {

@@ -1,4 +1,4 @@
-#include "Unidades.h"
+#include "catalog/Unidades.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -12,12 +12,12 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "DelegadoRenglon.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/DelegadoRenglon.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

@@ -6,9 +6,9 @@
 
 #include <QWidget>
 
-#include "CatalogoUnidades.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "catalog/CatalogoUnidades.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QLineEdit;

@@ -1,4 +1,4 @@
-#include "UtileriasProductos.h"
+#include "catalog/UtileriasProductos.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -6,12 +6,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "AsignaMonederoElectronico.h"
-#include "HojaEstilo.h"
-#include "IncrementoPrecios.h"
-#include "Productos.h"
-#include "Sonidos.h"
-#include "ValorInventario.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/RegistroModulos.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {
@@ -22,22 +19,12 @@ const QSize kMosaico(220, 150);
 
 } // namespace
 
-const std::vector<TUtileriasProductosF::Entrada>& TUtileriasProductosF::entradas() {
-    // El kardex de un producto se consulta desde el catálogo, donde se elige el producto.
-    static const std::vector<Entrada> lista = {
-        {QStringLiteral("IncrementoPrecios"), QStringLiteral("Incremento de Precios"),
-         QStringLiteral("IncrementoPrecios"),
-         [](const Sesion& s) -> QWidget* { return new TIncrementoPreciosF(s); }},
-        {QStringLiteral("KardexMovimientos"), QStringLiteral("Kardex de Movimientos"),
-         QStringLiteral("Kardex"), [](const Sesion& s) -> QWidget* { return new TProductosF(s); }},
-        {QStringLiteral("ValorInventario"), QStringLiteral("Valor de Inventario"),
-         QStringLiteral("ValorInventario"),
-         [](const Sesion& s) -> QWidget* { return new TValorInventarioF(s); }},
-        {QStringLiteral("AsignaMonedero"), QStringLiteral("Asigna Monedero Electrónico"),
-         QStringLiteral("Monedero"),
-         [](const Sesion& s) -> QWidget* { return new TAsignaMonederoElectronicoF(s); }},
-    };
-    return lista;
+const QStringList& TUtileriasProductosF::nombresEntradas() {
+    // El monedero electrónico lo registra ventas; aparece aquí también, como en el sistema.
+    static const QStringList nombres = {
+        QStringLiteral("IncrementoPrecios"), QStringLiteral("KardexMovimientos"),
+        QStringLiteral("ValorInventario"), QStringLiteral("AsignaMonedero")};
+    return nombres;
 }
 
 TUtileriasProductosF::TUtileriasProductosF(const Sesion& sesion, QWidget* padre)
@@ -50,7 +37,10 @@ TUtileriasProductosF::TUtileriasProductosF(const Sesion& sesion, QWidget* padre)
     auto* rejilla = new QGridLayout;
     rejilla->setSpacing(16);
     int i = 0;
-    for (const Entrada& e : entradas()) {
+    for (const QString& nombre : nombresEntradas()) {
+        const EntradaMenu* entrada = RegistroModulos::busca(nombre);
+        if (entrada == nullptr || !entrada->visible(sesion_)) continue;
+        const EntradaMenu& e = *entrada;
         auto* boton = new QPushButton(icono(e.imagen), e.titulo, this);
         boton->setObjectName(QStringLiteral("Boton") + e.nombre);
         boton->setIconSize(QSize(56, 56));
@@ -70,9 +60,10 @@ TUtileriasProductosF::TUtileriasProductosF(const Sesion& sesion, QWidget* padre)
     capa->addStretch(1);
 }
 
-void TUtileriasProductosF::abre(const Entrada& entrada) {
+void TUtileriasProductosF::abre(const EntradaMenu& entrada) {
     Sonidos::reproduce(Sonido::Click);
-    QWidget* pantalla = entrada.crea(sesion_);
+    QWidget* pantalla = RegistroModulos::crea(entrada, sesion_, this);
+    if (pantalla == nullptr) return;
     if (isSignalConnected(QMetaMethod::fromSignal(&TUtileriasProductosF::abreModulo))) {
         emit abreModulo(pantalla, entrada.titulo);
         return;

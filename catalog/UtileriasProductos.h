@@ -1,29 +1,26 @@
 #pragma once
 
-#include <functional>
-#include <vector>
-
 #include <QString>
 #include <QWidget>
 
-#include "Sesion.h"
+#include "datos/Sesion.h"
 
 namespace cajaplex {
 
+struct EntradaMenu;
+
+// El grupo del registro cuyas entradas muestra "Utilerías de Productos" (no el menú principal).
+inline constexpr const char* GrupoUtileriasProductos = "Utilerías de Productos";
+
 // "Utilerías de Productos": el menú de las utilerías del catálogo, en el orden del sistema. Solo
-// aparecen las entradas cuya pantalla existe.
+// aparecen las entradas registradas que el perfil puede abrir.
 class TUtileriasProductosF : public QWidget {
     Q_OBJECT
 public:
     explicit TUtileriasProductosF(const Sesion& sesion, QWidget* padre = nullptr);
 
-    struct Entrada {
-        QString nombre; // objectName del botón: "Boton" + nombre
-        QString titulo;
-        QString imagen;
-        std::function<QWidget*(const Sesion&)> crea;
-    };
-    static const std::vector<Entrada>& entradas();
+    // Los nombres de las entradas del registro, en el orden en que se muestran.
+    static const QStringList& nombresEntradas();
 
 signals:
     // La ventana principal la pone encima del menú con su barra de título y "Regresar". Si nadie
@@ -31,7 +28,7 @@ signals:
     void abreModulo(QWidget* pantalla, const QString& titulo);
 
 private:
-    void abre(const Entrada& entrada);
+    void abre(const EntradaMenu& entrada);
 
     const Sesion& sesion_;
 };

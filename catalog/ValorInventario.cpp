@@ -1,4 +1,4 @@
-#include "ValorInventario.h"
+#include "catalog/ValorInventario.h"
 
 #include <QDate>
 #include <QDir>
@@ -15,11 +15,11 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "CatalogoProductos.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "Sonidos.h"
+#include "catalog/CatalogoProductos.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

@@ -3,9 +3,9 @@
 #include <QString>
 #include <QWidget>
 
-#include "InventarioValorizado.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "catalog/InventarioValorizado.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QPushButton;

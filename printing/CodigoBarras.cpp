@@ -1,4 +1,4 @@
-#include "CodigoBarras.h"
+#include "printing/CodigoBarras.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "VisorPdf.h"
+#include "printing/VisorPdf.h"
 
 #include <algorithm>
 
@@ -15,8 +15,8 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "HojaEstilo.h"
-#include "Sonidos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QWidget>
 
-#include "Mensajes.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QPdfDocument;

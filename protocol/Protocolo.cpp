@@ -1,10 +1,10 @@
-#include "Protocolo.h"
+#include "protocol/Protocolo.h"
 
 #include <array>
 #include <cmath>
 #include <regex>
 
-#include "Base64.h"
+#include "protocol/Base64.h"
 
 namespace cajaplex::protocolo {
 

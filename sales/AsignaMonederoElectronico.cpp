@@ -1,4 +1,4 @@
-#include "AsignaMonederoElectronico.h"
+#include "sales/AsignaMonederoElectronico.h"
 
 #include <QDoubleValidator>
 #include <QFrame>
@@ -16,15 +16,15 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "Auditoria.h"
-#include "ControlAcceso.h"
-#include "HojaEstilo.h"
-#include "IncrementoPrecios.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "PreciosProductos.h"
-#include "Sonidos.h"
-#include "Utilerias.h"
+#include "catalog/IncrementoPrecios.h"
+#include "catalog/PreciosProductos.h"
+#include "datos/Auditoria.h"
+#include "datos/ControlAcceso.h"
+#include "datos/ModuloDatos.h"
+#include "datos/Utilerias.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

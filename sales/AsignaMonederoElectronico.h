@@ -6,8 +6,8 @@
 #include <QString>
 #include <QWidget>
 
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QLabel;
 class QLineEdit;

@@ -1,5 +1,5 @@
 # Genera EsquemaEmbebido.cpp: una migración por archivo, numerada por su prefijo.
-set(texto "// Generado por schema/Embebe.cmake; no editar.\n#include \"Esquema.h\"\n\nnamespace cajaplex::esquema {\n\nconst std::vector<Migracion>& migraciones() {\n    static const std::vector<Migracion> lista = {\n")
+set(texto "// Generado por schema/Embebe.cmake; no editar.\n#include \"schema/Esquema.h\"\n\nnamespace cajaplex::esquema {\n\nconst std::vector<Migracion>& migraciones() {\n    static const std::vector<Migracion> lista = {\n")
 string(REPLACE "|" ";" MIGRACIONES "${MIGRACIONES}")
 foreach(archivo IN LISTS MIGRACIONES)
     get_filename_component(nombre ${archivo} NAME)

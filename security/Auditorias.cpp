@@ -1,4 +1,4 @@
-#include "Auditorias.h"
+#include "security/Auditorias.h"
 
 #include <algorithm>
 
@@ -19,11 +19,11 @@
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "Auditoria.h"
-#include "HojaEstilo.h"
-#include "Leyenda.h"
-#include "ModuloDatos.h"
-#include "Sonidos.h"
+#include "datos/Auditoria.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {

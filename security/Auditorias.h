@@ -3,9 +3,9 @@
 #include <QDate>
 #include <QWidget>
 
-#include "Consulta.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "datos/Consulta.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
 
 class QDateEdit;
 class QLabel;

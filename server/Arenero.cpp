@@ -1,11 +1,11 @@
-#include "Arenero.h"
+#include "server/Arenero.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <string_view>
 
-#include "Motor.h"
+#include "server/Motor.h"
 
 namespace cajaplex::servidor {
 

@@ -1,4 +1,4 @@
-#include "Idempotencia.h"
+#include "server/Idempotencia.h"
 
 #include <cstdint>
 #include <cstdio>

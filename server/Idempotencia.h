@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "Motor.h"
+#include "server/Motor.h"
 
 namespace cajaplex::servidor {
 

@@ -1,7 +1,7 @@
-#include "Migraciones.h"
+#include "server/Migraciones.h"
 
-#include "Esquema.h"
-#include "Idempotencia.h"
+#include "schema/Esquema.h"
+#include "server/Idempotencia.h"
 
 namespace cajaplex::servidor {
 

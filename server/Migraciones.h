@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "Motor.h"
+#include "server/Motor.h"
 
 namespace cajaplex::servidor {
 

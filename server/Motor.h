@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Protocolo.h"
+#include "protocol/Protocolo.h"
 
 // Frontera con el motor de base de datos. Todo lo propio de SQLite vive detrás de estas dos
 // clases, para que otro motor sea un archivo nuevo y no una reescritura.

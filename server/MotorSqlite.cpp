@@ -1,4 +1,4 @@
-#include "MotorSqlite.h"
+#include "server/MotorSqlite.h"
 
 #include <algorithm>
 #include <atomic>

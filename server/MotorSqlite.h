@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Motor.h"
+#include "server/Motor.h"
 
 namespace cajaplex::servidor {
 

@@ -9,10 +9,10 @@
 #include <thread>
 #include <unistd.h>
 
-#include "Migraciones.h"
-#include "MotorSqlite.h"
-#include "Servicio.h"
-#include "ServidorHttp.h"
+#include "server/Migraciones.h"
+#include "server/MotorSqlite.h"
+#include "server/Servicio.h"
+#include "server/ServidorHttp.h"
 
 using namespace cajaplex::servidor;
 

@@ -1,4 +1,4 @@
-#include "Procedimientos.h"
+#include "server/Procedimientos.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Motor.h"
+#include "server/Motor.h"
 
 namespace cajaplex::servidor {
 

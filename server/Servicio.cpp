@@ -1,10 +1,10 @@
-#include "Servicio.h"
+#include "server/Servicio.h"
 
 #include <chrono>
 
-#include "Arenero.h"
-#include "Idempotencia.h"
-#include "Procedimientos.h"
+#include "server/Arenero.h"
+#include "server/Idempotencia.h"
+#include "server/Procedimientos.h"
 
 namespace cajaplex::servidor {
 

@@ -6,10 +6,10 @@
 #include <mutex>
 #include <string>
 
-#include "CerrojoEscritor.h"
-#include "Motor.h"
-#include "PoolConexiones.h"
-#include "Transacciones.h"
+#include "server/CerrojoEscritor.h"
+#include "server/Motor.h"
+#include "server/PoolConexiones.h"
+#include "server/Transacciones.h"
 
 namespace cajaplex::servidor {
 

@@ -1,8 +1,8 @@
-#include "ServidorHttp.h"
+#include "server/ServidorHttp.h"
 
 #include <httplib.h>
 
-#include "Base64.h"
+#include "protocol/Base64.h"
 
 #ifndef CAJAPLEX_VERSION
 #define CAJAPLEX_VERSION "0"

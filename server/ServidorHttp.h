@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "Servicio.h"
+#include "server/Servicio.h"
 
 namespace httplib {
 class Server;

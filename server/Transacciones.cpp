@@ -1,4 +1,4 @@
-#include "Transacciones.h"
+#include "server/Transacciones.h"
 
 #include <random>
 #include <vector>

@@ -9,8 +9,8 @@
 #include <string>
 #include <thread>
 
-#include "CerrojoEscritor.h"
-#include "PoolConexiones.h"
+#include "server/CerrojoEscritor.h"
+#include "server/PoolConexiones.h"
 
 namespace cajaplex::servidor {
 

@@ -11,11 +11,11 @@
 #include <QCoreApplication>
 #include <QProcessEnvironment>
 
-#include "AjustesEstacion.h"
-#include "ConexionBD.h"
-#include "HojaEstilo.h"
-#include "Instalacion.h"
-#include "Principal.h"
+#include "datos/AjustesEstacion.h"
+#include "datos/ConexionBD.h"
+#include "pantallas/HojaEstilo.h"
+#include "shell/Instalacion.h"
+#include "shell/Principal.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "FrameLogeo.h"
+#include "shell/FrameLogeo.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -12,8 +12,8 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "HojaEstilo.h"
-#include "InicioSesion.h"
+#include "pantallas/HojaEstilo.h"
+#include "security/InicioSesion.h"
 
 namespace cajaplex {
 namespace {

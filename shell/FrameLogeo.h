@@ -3,7 +3,7 @@
 #include <QList>
 #include <QWidget>
 
-#include "Sesion.h"
+#include "datos/Sesion.h"
 
 class QLabel;
 class QLineEdit;

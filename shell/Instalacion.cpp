@@ -1,4 +1,4 @@
-#include "Instalacion.h"
+#include "shell/Instalacion.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -6,8 +6,8 @@
 #include <QRandomGenerator>
 #include <QUuid>
 
-#include "AjustesEstacion.h"
-#include "ModuloDatos.h"
+#include "datos/AjustesEstacion.h"
+#include "datos/ModuloDatos.h"
 
 namespace cajaplex {
 

@@ -1,4 +1,4 @@
-#include "MenuPrimario.h"
+#include "shell/MenuPrimario.h"
 
 #include <QDate>
 #include <QFrame>
@@ -10,15 +10,9 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "AsignaMonederoElectronico.h"
-#include "Auditorias.h"
-#include "HojaEstilo.h"
-#include "Kits.h"
-#include "Productos.h"
-#include "Rangos.h"
-#include "Sonidos.h"
-#include "Unidades.h"
-#include "UtileriasProductos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/RegistroModulos.h"
+#include "pantallas/Sonidos.h"
 
 namespace cajaplex {
 namespace {
@@ -35,33 +29,6 @@ constexpr int kColumnas = 5;
 const QSize kMosaico(200, 140);
 
 } // namespace
-
-const std::vector<ModuloMenu>& modulosDelMenu() {
-    static const std::vector<ModuloMenu> modulos = {
-        {QStringLiteral("Usuarios y Bitácoras"), QStringLiteral("Auditorias"),
-         QStringLiteral("Bitácoras del Sistema"), QStringLiteral("Bitacoras"),
-         [](const Sesion& s) -> QWidget* { return new TAuditoriasF(s); }},
-        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Productos"),
-         QStringLiteral("Catálogo de Productos"), QStringLiteral("Productos"),
-         [](const Sesion& s) -> QWidget* { return new TProductosF(s); }},
-        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Unidades"),
-         QStringLiteral("Unidades de Medida"), QStringLiteral("Unidades"),
-         [](const Sesion& s) -> QWidget* { return new TUnidadesF(s); }},
-        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Rangos"),
-         QStringLiteral("Rangos de Precios"), QStringLiteral("IncrementoPrecios"),
-         [](const Sesion& s) -> QWidget* { return new TRangosF(s); }},
-        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("Kits"),
-         QStringLiteral("Artículos Compuestos (Kits)"), QStringLiteral("Kits"),
-         [](const Sesion& s) -> QWidget* { return new TKitsF(s); }},
-        {QStringLiteral("Catálogos e Inventarios"), QStringLiteral("UtileriasProductos"),
-         QStringLiteral("Utilerías de Productos"), QStringLiteral("Configuracion"),
-         [](const Sesion& s) -> QWidget* { return new TUtileriasProductosF(s); }},
-        {QStringLiteral("Punto de Venta"), QStringLiteral("AsignaMonedero"),
-         QStringLiteral("Asigna Monedero Electrónico"), QStringLiteral("Monedero"),
-         [](const Sesion& s) -> QWidget* { return new TAsignaMonederoElectronicoF(s); }},
-    };
-    return modulos;
-}
 
 TMenuPrimarioF::TMenuPrimarioF(const Sesion& sesion, QWidget* padre)
     : QWidget(padre), sesion_(sesion) {
@@ -133,11 +100,13 @@ QWidget* TMenuPrimarioF::creaModulos() {
     auto* capa = new QVBoxLayout(contenido);
     capa->setContentsMargins(24, 16, 24, 24);
     capa->setSpacing(12);
+    bool hayModulos = false;
     for (const QString& grupo : kGrupos) {
-        QList<const ModuloMenu*> delGrupo;
-        for (const ModuloMenu& m : modulosDelMenu())
+        QList<const EntradaMenu*> delGrupo;
+        for (const EntradaMenu& m : RegistroModulos::entradas())
             if (m.grupo == grupo && m.visible(sesion_)) delGrupo << &m;
         if (delGrupo.isEmpty()) continue;
+        hayModulos = true;
 
         auto* encabezado = new QLabel(grupo, contenido);
         ponEstilo(encabezado, "subtitulo");
@@ -145,7 +114,7 @@ QWidget* TMenuPrimarioF::creaModulos() {
         auto* rejilla = new QGridLayout;
         rejilla->setSpacing(12);
         for (int i = 0; i < delGrupo.size(); ++i) {
-            const ModuloMenu* m = delGrupo[i];
+            const EntradaMenu* m = delGrupo[i];
             auto* boton = new QPushButton(icono(m->imagen), m->titulo, contenido);
             boton->setObjectName(QStringLiteral("Modulo") + m->nombre);
             boton->setIconSize(QSize(48, 48));
@@ -153,12 +122,22 @@ QWidget* TMenuPrimarioF::creaModulos() {
             ponEstilo(boton, "mosaico");
             connect(boton, &QPushButton::clicked, this, [this, m] {
                 Sonidos::reproduce(Sonido::Click);
-                emit abreModulo(m->crea(sesion_), m->titulo);
+                if (QWidget* pantalla = RegistroModulos::crea(*m, sesion_, this))
+                    emit abreModulo(pantalla, m->titulo);
             });
             rejilla->addWidget(boton, i / kColumnas, i % kColumnas);
         }
         rejilla->setColumnStretch(kColumnas, 1);
         capa->addLayout(rejilla);
+    }
+    if (!hayModulos) {
+        auto* aviso = new QLabel(QStringLiteral("Su perfil no tiene módulos asignados en esta "
+                                                "empresa; consulte al administrador del sistema."),
+                                 contenido);
+        aviso->setObjectName(QStringLiteral("SinModulos"));
+        aviso->setWordWrap(true);
+        ponEstilo(aviso, "subtitulo");
+        capa->addWidget(aviso);
     }
     capa->addStretch(1);
     return contenido;

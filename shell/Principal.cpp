@@ -1,4 +1,4 @@
-#include "Principal.h"
+#include "shell/Principal.h"
 
 #include <utility>
 
@@ -12,14 +12,15 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "FrameLogeo.h"
-#include "HojaEstilo.h"
-#include "InicioSesion.h"
-#include "Leyenda.h"
-#include "MenuPrimario.h"
-#include "ModuloDatos.h"
-#include "Sonidos.h"
-#include "TerminosYCondiciones.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Leyenda.h"
+#include "pantallas/Sonidos.h"
+#include "security/InicioSesion.h"
+#include "shell/FrameLogeo.h"
+#include "shell/MenuPrimario.h"
+#include "shell/Modulos.h"
+#include "shell/TerminosYCondiciones.h"
 
 namespace cajaplex {
 namespace {
@@ -58,6 +59,7 @@ TCajaplexF::TCajaplexF(Instalacion instalacion, QWidget* padre)
     : QWidget(padre), instalacion_(std::move(instalacion)), ajustes_(instalacion_.carpeta) {
     setObjectName(QStringLiteral("Cajaplex"));
     setWindowTitle(QStringLiteral("Cajaplex"));
+    registraModulos();
     setMinimumSize(1024, 700);
     paginas_ = new QStackedWidget(this);
     VentanaDeLogeo = new TCuadroLogeo(paginas_);

@@ -6,10 +6,10 @@
 #include <QString>
 #include <QWidget>
 
-#include "AjustesEstacion.h"
-#include "Instalacion.h"
-#include "Mensajes.h"
-#include "Sesion.h"
+#include "datos/AjustesEstacion.h"
+#include "datos/Sesion.h"
+#include "pantallas/Mensajes.h"
+#include "shell/Instalacion.h"
 
 class QStackedWidget;
 

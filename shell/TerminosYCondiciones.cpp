@@ -1,10 +1,10 @@
-#include "TerminosYCondiciones.h"
+#include "shell/TerminosYCondiciones.h"
 
 #include <QLabel>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
-#include "HojaEstilo.h"
+#include "pantallas/HojaEstilo.h"
 
 namespace cajaplex {
 namespace {

@@ -14,15 +14,16 @@
 #include <QPushButton>
 #include <QTest>
 
-#include "Auditoria.h"
-#include "HojaEstilo.h"
-#include "Instalacion.h"
-#include "Mensajes.h"
-#include "MenuPrimario.h"
-#include "ModuloDatos.h"
-#include "Principal.h"
-#include "Sonidos.h"
-#include "Transaccion.h"
+#include "datos/Auditoria.h"
+#include "datos/ModuloDatos.h"
+#include "datos/Transaccion.h"
+#include "pantallas/HojaEstilo.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/RegistroModulos.h"
+#include "pantallas/Sonidos.h"
+#include "shell/Instalacion.h"
+#include "shell/MenuPrimario.h"
+#include "shell/Principal.h"
 
 using namespace cajaplex;
 
@@ -131,7 +132,7 @@ int main(int argc, char* argv[]) {
     registraEjemplos(ventana.sesion());
     foto.toma(QStringLiteral("menu"));
 
-    for (const ModuloMenu& m : modulosDelMenu()) {
+    for (const EntradaMenu& m : RegistroModulos::entradas()) {
         if (!m.visible(ventana.sesion())) continue;
         auto* boton = ventana.findChild<QPushButton*>(QStringLiteral("Modulo") + m.nombre);
         if (!boton) continue;

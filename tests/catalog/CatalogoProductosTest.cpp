@@ -7,10 +7,10 @@
 
 #include <QDate>
 
-#include "CatalogoProductos.h"
-#include "ConexionBD.h"
-#include "DatosPrueba.h"
-#include "KardexProducto.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/KardexProducto.h"
+#include "datos/ConexionBD.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 namespace cajaplex {
 namespace {

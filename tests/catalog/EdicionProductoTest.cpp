@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "ConexionBD.h"
-#include "DatosPrueba.h"
-#include "EdicionProducto.h"
+#include "catalog/EdicionProducto.h"
+#include "datos/ConexionBD.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 namespace cajaplex {
 namespace {

@@ -9,13 +9,13 @@
 #include <QTabWidget>
 #include <QTreeWidget>
 
-#include "CatalogoProductos.h"
-#include "ComposicionKits.h"
-#include "Kits.h"
-#include "Mensajes.h"
-#include "ModuloDatos.h"
-#include "PruebaUnidadesRangos.h"
-#include "RolesRenglon.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/ComposicionKits.h"
+#include "catalog/Kits.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/RolesRenglon.h"
+#include "tests/catalog/PruebaUnidadesRangos.h"
 
 namespace cajaplex {
 namespace {

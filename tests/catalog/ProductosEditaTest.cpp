@@ -24,16 +24,16 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "CatalogoProductos.h"
-#include "CodigoBarras.h"
-#include "Mensajes.h"
-#include "Productos.h"
-#include "ProductosEdita.h"
-#include "PruebaPantallas.h"
-#include "Rangos.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
-#include "VisorPdf.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/Productos.h"
+#include "catalog/ProductosEdita.h"
+#include "catalog/Rangos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
+#include "printing/CodigoBarras.h"
+#include "printing/VisorPdf.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex {
 namespace {

@@ -22,13 +22,13 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "AsignaFotoLinea.h"
-#include "CatalogoProductos.h"
-#include "Mensajes.h"
-#include "Productos.h"
-#include "PruebaPantallas.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
+#include "catalog/AsignaFotoLinea.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/Productos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex {
 namespace {

@@ -13,7 +13,7 @@
 #include <QStringList>
 #include <QTest>
 
-#include "PruebaPantallas.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex::prueba {
 

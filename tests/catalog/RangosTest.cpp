@@ -8,11 +8,11 @@
 #include <QListWidget>
 #include <QStackedWidget>
 
-#include "CatalogoProductos.h"
-#include "Mensajes.h"
-#include "PruebaUnidadesRangos.h"
-#include "Rangos.h"
-#include "RolesRenglon.h"
+#include "catalog/CatalogoProductos.h"
+#include "catalog/Rangos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/RolesRenglon.h"
+#include "tests/catalog/PruebaUnidadesRangos.h"
 
 namespace cajaplex {
 namespace {

@@ -7,11 +7,11 @@
 #include <QListWidget>
 #include <QStackedWidget>
 
-#include "Mensajes.h"
-#include "PruebaUnidadesRangos.h"
-#include "RolesRenglon.h"
-#include "Sonidos.h"
-#include "Unidades.h"
+#include "catalog/Unidades.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/RolesRenglon.h"
+#include "pantallas/Sonidos.h"
+#include "tests/catalog/PruebaUnidadesRangos.h"
 
 namespace cajaplex {
 namespace {

@@ -19,14 +19,16 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "AsignaMonederoElectronico.h"
-#include "IncrementoPrecios.h"
-#include "Mensajes.h"
-#include "Productos.h"
-#include "PruebaPantallas.h"
-#include "Sonidos.h"
-#include "UtileriasProductos.h"
-#include "ValorInventario.h"
+#include "catalog/IncrementoPrecios.h"
+#include "catalog/ModulosCatalogo.h"
+#include "catalog/Productos.h"
+#include "catalog/UtileriasProductos.h"
+#include "catalog/ValorInventario.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/Sonidos.h"
+#include "sales/AsignaMonederoElectronico.h"
+#include "sales/ModulosVentas.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex {
 namespace {
@@ -113,6 +115,8 @@ protected:
 };
 
 TEST_F(UtileriasProductosTest, MenuConSusUtileriasEnOrdenYCadaUnaAbreSuPantalla) {
+    registraModulosCatalogo();
+    registraModulosVentas();
     auto f = abre<TUtileriasProductosF>();
     QStringList titulos;
     for (const QPushButton* b : f->findChildren<QPushButton*>())

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "CodigoBarras.h"
-#include "LecturaCodigos.h"
+#include "printing/CodigoBarras.h"
+#include "tests/printing/LecturaCodigos.h"
 
 namespace cajaplex {
 namespace {

@@ -1,5 +1,5 @@
 #define ZX_USE_UTF8
-#include "LecturaCodigos.h"
+#include "tests/printing/LecturaCodigos.h"
 
 #include <memory>
 
@@ -11,7 +11,7 @@
 #include <QPainter>
 #include <QPdfDocument>
 
-#include "CodigoBarras.h"
+#include "printing/CodigoBarras.h"
 
 namespace cajaplex::prueba {
 namespace {} // namespace

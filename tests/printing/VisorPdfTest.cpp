@@ -12,11 +12,11 @@
 
 #include <gtest/gtest.h>
 
-#include "CodigoBarras.h"
-#include "LecturaCodigos.h"
-#include "Mensajes.h"
-#include "Sonidos.h"
-#include "VisorPdf.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/Sonidos.h"
+#include "printing/CodigoBarras.h"
+#include "printing/VisorPdf.h"
+#include "tests/printing/LecturaCodigos.h"
 
 namespace cajaplex {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "Base64.h"
-#include "Protocolo.h"
+#include "protocol/Base64.h"
+#include "protocol/Protocolo.h"
 
 using namespace cajaplex::protocolo;
 using nlohmann::json;

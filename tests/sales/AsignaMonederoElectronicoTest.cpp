@@ -15,10 +15,10 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "AsignaMonederoElectronico.h"
-#include "Mensajes.h"
-#include "PruebaPantallas.h"
-#include "Sonidos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/Sonidos.h"
+#include "sales/AsignaMonederoElectronico.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex {
 namespace {

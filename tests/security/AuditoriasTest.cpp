@@ -8,13 +8,13 @@
 #include <QPushButton>
 #include <QTest>
 
-#include "Auditoria.h"
-#include "Auditorias.h"
-#include "Mensajes.h"
-#include "ModuloDatos.h"
-#include "PruebaPantallas.h"
-#include "Sonidos.h"
-#include "Transaccion.h"
+#include "datos/Auditoria.h"
+#include "datos/ModuloDatos.h"
+#include "datos/Transaccion.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/Sonidos.h"
+#include "security/Auditorias.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex {
 namespace {

@@ -3,7 +3,7 @@
 #include <map>
 #include <random>
 
-#include "DatosPrueba.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 using namespace cajaplex::prueba;
 

@@ -1,5 +1,5 @@
 // Lo confirmado sobrevive a reinicios, a SIGTERM y a SIGKILL; lo no confirmado no.
-#include "DatosPrueba.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 using namespace cajaplex::prueba;
 

@@ -1,7 +1,7 @@
 // Esquema, nombres y tipos de columna, parámetros y procedimientos, contra el servicio real.
 #include <regex>
 
-#include "DatosPrueba.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 using namespace cajaplex::prueba;
 

@@ -1,5 +1,5 @@
 // Lotes: referencias entre sentencias, todo o nada, límite de tamaño e idempotencia.
-#include "DatosPrueba.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 using namespace cajaplex::prueba;
 

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Migraciones.h"
-#include "MotorSqlite.h"
+#include "server/Migraciones.h"
+#include "server/MotorSqlite.h"
 
 using namespace cajaplex::servidor;
 

@@ -2,7 +2,7 @@
 // credenciales, tamaño y tiempo.
 #include <filesystem>
 
-#include "DatosPrueba.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 using namespace cajaplex::prueba;
 

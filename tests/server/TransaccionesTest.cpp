@@ -2,7 +2,7 @@
 #include <set>
 #include <thread>
 
-#include "DatosPrueba.h"
+#include "tests/fixtures/DatosPrueba.h"
 
 using namespace cajaplex::prueba;
 

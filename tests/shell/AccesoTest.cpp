@@ -13,16 +13,16 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "AjustesEstacion.h"
-#include "Auditorias.h"
-#include "FrameLogeo.h"
-#include "Instalacion.h"
-#include "Mensajes.h"
-#include "MenuPrimario.h"
-#include "ModuloDatos.h"
-#include "Principal.h"
-#include "PruebaPantallas.h"
-#include "Sonidos.h"
+#include "datos/AjustesEstacion.h"
+#include "datos/ModuloDatos.h"
+#include "pantallas/Mensajes.h"
+#include "pantallas/Sonidos.h"
+#include "security/Auditorias.h"
+#include "shell/FrameLogeo.h"
+#include "shell/Instalacion.h"
+#include "shell/MenuPrimario.h"
+#include "shell/Principal.h"
+#include "tests/fixtures/PruebaPantallas.h"
 
 namespace cajaplex {
 namespace {

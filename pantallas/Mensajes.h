@@ -1,0 +1,46 @@
+#pragma once
+
+#include <optional>
+
+#include <QString>
+#include <QStringList>
+
+#include "datos/MensajesComunes.h"
+
+class QWidget;
+
+namespace cajaplex {
+
+enum class Respuesta { Aceptar, Cancelar, Si, No };
+
+// Único camino de los mensajes y preguntas de las pantallas ("Centro de Mensajes"). En modo de
+// prueba no se abre nada modal: se anota cada texto y las respuestas salen de una cola.
+class Mensajes {
+public:
+    explicit Mensajes(QWidget* padre = nullptr) : padre_(padre) {}
+
+    void muestra(const QString& texto) const;
+    bool pregunta(const QString& texto) const;     // Aceptar / Cancelar
+    bool preguntaSiNo(const QString& texto) const; // Sí / No
+    // Índice de la opción elegida, o -1 si se cancela.
+    int eligeOpcion(const QString& titulo, const QStringList& opciones) const;
+    std::optional<QString> pideTexto(const QString& titulo, const QString& inicial = {},
+                                     int maximo = 32767) const;
+    std::optional<double> pideDecimal(const QString& titulo, double inicial = 0.0,
+                                      int decimales = 2) const;
+
+    // Ganchos de prueba. Activar el modo vacía la cola y lo anotado.
+    static void modoPrueba(bool activo);
+    static void respondeSiguiente(Respuesta respuesta);
+    static void respondeOpcion(int indice);
+    static void respondeTexto(const QString& texto);
+    static void respondeDecimal(double valor);
+    static int respuestasPendientes();
+    // Lo mostrado o preguntado desde la última llamada, en orden.
+    static QStringList ultimos();
+
+private:
+    QWidget* padre_;
+};
+
+} // namespace cajaplex

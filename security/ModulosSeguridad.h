@@ -1,0 +1,8 @@
+#pragma once
+
+namespace cajaplex {
+
+// Agrega al registro las pantallas de usuarios, perfiles y bitácoras.
+void registraModulosSeguridad();
+
+} // namespace cajaplex
