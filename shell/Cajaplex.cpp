@@ -4,16 +4,21 @@
 // --instala deja la estación apuntando a un servicio (con las credenciales del servicio de
 // CAJAPLEX_USUARIO y CAJAPLEX_CONTRASENA, o las de demostración) y crea su base local.
 #include <cstdio>
+#include <exception>
+
+#include <sys/stat.h>
 
 #include <QApplication>
 #include <QByteArray>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QProcessEnvironment>
+#include <QtDebug>
 
 #include "datos/AjustesEstacion.h"
 #include "datos/ConexionBD.h"
 #include "pantallas/HojaEstilo.h"
+#include "pantallas/Mensajes.h"
 #include "shell/Instalacion.h"
 #include "shell/Principal.h"
 
@@ -78,17 +83,41 @@ void nombraAplicacion() {
     QCoreApplication::setApplicationVersion(cajaplex::versionPrograma());
 }
 
+// Última red: una excepción que una pantalla no atendió se vuelve el mensaje de falla y el
+// programa sigue; nunca termina la venta en curso de golpe.
+class AplicacionCajaplex : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receptor, QEvent* evento) override {
+        try {
+            return QApplication::notify(receptor, evento);
+        } catch (const std::exception& e) {
+            qWarning() << "Excepción no atendida:" << e.what();
+        } catch (...) {
+            qWarning() << "Excepción no atendida";
+        }
+        cajaplex::Mensajes(activeWindow())
+            .muestra(QString::fromUtf8(cajaplex::MensajeErrorLectura));
+        return false;
+    }
+};
+
 } // namespace
 
 int main(int argc, char* argv[]) {
+    // Cajaplex.ini guarda las credenciales de la estación y la base local va cifrada: lo que el
+    // programa crea solo lo lee su dueño.
+    umask(077);
     if (pideInstalar(argc, argv)) {
         QCoreApplication aplicacion(argc, argv);
         nombraAplicacion();
         const Opciones opciones = leeOpciones(aplicacion);
         return instala(opciones.carpeta, opciones.instala);
     }
-    QApplication aplicacion(argc, argv);
+    AplicacionCajaplex aplicacion(argc, argv);
     nombraAplicacion();
+    cajaplex::ponEspanol(aplicacion);
     const Opciones opciones = leeOpciones(aplicacion);
     cajaplex::aplicaHojaEstilo(aplicacion);
     cajaplex::TCajaplexF ventana({opciones.carpeta, cajaplex::bibliotecasRequeridas()});

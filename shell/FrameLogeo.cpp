@@ -107,17 +107,25 @@ QWidget* TCuadroLogeo::creaPaginaAcceso() {
     capa->addWidget(titulo, 0, Qt::AlignHCenter);
     capa->addWidget(version_, 0, Qt::AlignHCenter);
     capa->addSpacing(8);
-    capa->addWidget(new QLabel(QStringLiteral("Servidor"), tarjeta));
+    // Cada campo lleva el texto de su etiqueta como nombre accesible (lectores de pantalla).
+    auto etiqueta = [tarjeta](const QString& texto, QLineEdit* campoDe) {
+        auto* e = new QLabel(texto, tarjeta);
+        e->setBuddy(campoDe);
+        campoDe->setAccessibleName(texto);
+        return e;
+    };
+    servidorPuerto_->setAccessibleName(QStringLiteral("Puerto"));
+    capa->addWidget(etiqueta(QStringLiteral("Servidor"), servidorUsuario_));
     capa->addLayout(servidor);
-    capa->addWidget(new QLabel(QStringLiteral("Usuario"), tarjeta));
+    capa->addWidget(etiqueta(QStringLiteral("Usuario"), nombreUsuario_));
     capa->addLayout(
         conIcono(figura(tarjeta, "MailImage", QStringLiteral("Correo"), 32), nombreUsuario_));
-    capa->addWidget(new QLabel(QStringLiteral("Contraseña"), tarjeta));
+    capa->addWidget(etiqueta(QStringLiteral("Contraseña"), contrasenaUsuario_));
     capa->addLayout(
         conIcono(figura(tarjeta, "LockImage", QStringLiteral("Candado"), 32), contrasenaUsuario_));
     capa->addSpacing(8);
     capa->addWidget(ingresar_);
-    capa->addWidget(new QLabel(QStringLiteral("Dispositivo"), tarjeta));
+    capa->addWidget(etiqueta(QStringLiteral("Dispositivo"), dispositivoID_));
     capa->addWidget(dispositivoID_);
     capa->addWidget(terminos, 0, Qt::AlignHCenter);
 
@@ -125,6 +133,9 @@ QWidget* TCuadroLogeo::creaPaginaAcceso() {
     connect(terminos, &QPushButton::clicked, this, &TCuadroLogeo::terminosYCondiciones);
     connect(nombreUsuario_, &QLineEdit::returnPressed, contrasenaUsuario_,
             qOverload<>(&QWidget::setFocus));
+    // Enter en el servidor o el puerto ingresa, como el botón.
+    for (QLineEdit* c : {servidorUsuario_, servidorPuerto_})
+        connect(c, &QLineEdit::returnPressed, ingresar_, &QPushButton::click);
     connect(contrasenaUsuario_, &QLineEdit::returnPressed, this,
             &TCuadroLogeo::ContrasenaUsuarioReturn);
     return centrada(tarjeta);

@@ -1,9 +1,14 @@
 #include "shell/Instalacion.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLibrary>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QRandomGenerator>
+#include <QTranslator>
 #include <QUuid>
 
 #include "datos/AjustesEstacion.h"
@@ -78,6 +83,20 @@ void preparaEstacion(AjustesEstacion& ajustes, const QString& direccion, int pue
     modulo.ContrasenaLocalBD = ajustes.contrasenaBaseLocal();
     modulo.ConexionLocalBD.abre();
     modulo.ConexionLocalBD.cierra();
+    // Credenciales y base cifrada: solo las lee el dueño, aunque se hayan creado con otra umask.
+    for (const QString& archivo : {ajustes.ruta(), modulo.ArchivoLocalBD})
+        QFile::setPermissions(archivo, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+bool ponEspanol(QCoreApplication& aplicacion) {
+    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Mexico));
+    auto* traductor = new QTranslator(&aplicacion);
+    if (!traductor->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        delete traductor;
+        return false;
+    }
+    return QCoreApplication::installTranslator(traductor);
 }
 
 } // namespace cajaplex

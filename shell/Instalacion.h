@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+class QCoreApplication;
+
 namespace cajaplex {
 
 class AjustesEstacion;
@@ -39,5 +41,9 @@ QString dispositivoDeLaEstacion(AjustesEstacion& ajustes);
 // Lanza ErrorServicio si no pudo crear la base o escribir los ajustes.
 void preparaEstacion(AjustesEstacion& ajustes, const QString& direccion, int puerto,
                      const QString& usuarioServicio, const QString& contrasenaServicio);
+
+// Español de México en todo: los textos propios de Qt (menús contextuales, calendarios, botones
+// de diálogos) y el formato de fechas y números. Falso si faltan las traducciones de Qt.
+bool ponEspanol(QCoreApplication& aplicacion);
 
 } // namespace cajaplex

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -60,6 +61,14 @@ TCajaplexF::TCajaplexF(Instalacion instalacion, QWidget* padre)
     setObjectName(QStringLiteral("Cajaplex"));
     setWindowTitle(QStringLiteral("Cajaplex"));
     registraModulos();
+    // Esc es "Regresar" en toda pantalla abierta (no en el acceso ni en el menú).
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, [this] {
+        QWidget* tope = paginas_->widget(paginas_->count() - 1);
+        if (tope == VentanaDeLogeo || tope == menu_) return;
+        Sonidos::reproduce(Sonido::Regresar);
+        regresa();
+    });
     setMinimumSize(1024, 700);
     paginas_ = new QStackedWidget(this);
     VentanaDeLogeo = new TCuadroLogeo(paginas_);
@@ -192,6 +201,15 @@ void TCajaplexF::regresa() {
     cierraPantallasSobre(paginas_->widget(tope - 1));
 }
 
+bool TCajaplexF::cierraPantallasAbiertas() {
+    for (;;) {
+        QWidget* tope = paginas_->widget(paginas_->count() - 1);
+        if (tope == VentanaDeLogeo || tope == menu_) return true;
+        regresa();
+        if (paginas_->widget(paginas_->count() - 1) == tope) return false;
+    }
+}
+
 // Quita (y destruye después) todas las páginas por encima de `pagina`.
 void TCajaplexF::cierraPantallasSobre(QWidget* pagina) {
     paginas_->setCurrentWidget(pagina);
@@ -220,6 +238,12 @@ bool TCajaplexF::eventFilter(QObject* objeto, QEvent* evento) {
 }
 
 void TCajaplexF::closeEvent(QCloseEvent* evento) {
+    // Cada pantalla abierta decide antes (cambios sin guardar), de la de encima hacia abajo; si
+    // una se niega, el programa sigue abierto.
+    if (!cerrando_ && !cierraPantallasAbiertas()) {
+        evento->ignore();
+        return;
+    }
     // Cerrar la ventana termina el programa: se oculta y espera a que suene "Salir".
     if (!cerrando_ && Sonidos::activos()) {
         cerrando_ = true;

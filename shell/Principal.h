@@ -55,6 +55,8 @@ private:
     void FormCreate();
     void abreSesion(const Sesion& sesion);
     void cierraPantallasSobre(QWidget* pagina);
+    // Pide cerrar cada pantalla abierta; falso si una se negó (y queda a la vista).
+    bool cierraPantallasAbiertas();
 
     Instalacion instalacion_;
     AjustesEstacion ajustes_;

@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -16,11 +19,13 @@
 #include "datos/AjustesEstacion.h"
 #include "datos/ModuloDatos.h"
 #include "pantallas/Mensajes.h"
+#include "pantallas/RegistroModulos.h"
 #include "pantallas/Sonidos.h"
 #include "security/Auditorias.h"
 #include "shell/FrameLogeo.h"
 #include "shell/Instalacion.h"
 #include "shell/MenuPrimario.h"
+#include "shell/Modulos.h"
 #include "shell/Principal.h"
 #include "tests/fixtures/PruebaPantallas.h"
 
@@ -173,12 +178,9 @@ TEST_F(AccesoTest, CajeroEntraDirectoGuardaElServidorYCierraSesion) {
     EXPECT_EQ(releidos.direccionServidor(), "127.0.0.1");
     EXPECT_EQ(releidos.puertoServidor(), servicio.puerto());
 
-    // Un módulo se abre encima del menú y "Regresar" vuelve a él.
-    QTest::mouseClick(control<QPushButton>(*v, "ModuloAuditorias"), Qt::LeftButton);
-    ASSERT_NE(v->findChild<TAuditoriasF*>(), nullptr);
-    EXPECT_TRUE(v->findChild<TAuditoriasF*>()->isVisible());
-    QTest::mouseClick(control<QPushButton>(*v, "BotonRegresar"), Qt::LeftButton);
-    EXPECT_TRUE(esperaHasta([&] { return v->findChild<TAuditoriasF*>() == nullptr; }));
+    // El cajero no ve lo que su perfil no tiene: bitácoras, catálogo, utilerías de precios.
+    for (const char* modulo : {"ModuloAuditorias", "ModuloProductos", "ModuloUtileriasProductos"})
+        EXPECT_EQ(v->findChild<QPushButton*>(modulo), nullptr) << modulo;
 
     Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
     QTest::mouseClick(control<QPushButton>(*v, "BotonCerrarSesion"), Qt::LeftButton);
@@ -186,6 +188,64 @@ TEST_F(AccesoTest, CajeroEntraDirectoGuardaElServidorYCierraSesion) {
     EXPECT_TRUE(v->cuadroLogeo()->isVisible());
     EXPECT_TRUE(control<QLineEdit>(*v, "ContrasenaUsuario")->text().isEmpty());
     EXPECT_TRUE(esperaHasta([&] { return v->findChild<TMenuPrimarioF*>() == nullptr; }));
+}
+
+// Los botones de módulo visibles en el menú de la ventana.
+QStringList modulosVisibles(QWidget& v) {
+    QStringList nombres;
+    for (const QPushButton* b : v.findChildren<QPushButton*>())
+        if (b->objectName().startsWith(QStringLiteral("Modulo"))) nombres << b->objectName();
+    nombres.sort();
+    return nombres;
+}
+
+TEST_F(AccesoTest, CadaPerfilVeSoloSusModulosYNoAbreOtrosPorNingunCamino) {
+    registraModulos();
+    auto admin = abreVentana();
+    EXPECT_TRUE(ingresa(*admin, "admin", "admin").isEmpty());
+    QTest::mouseClick(control<QPushButton>(*admin, "BotonEmpresa"), Qt::LeftButton);
+    ASSERT_TRUE(admin->sesionAbierta());
+    const QStringList todos = modulosVisibles(*admin);
+    for (const char* m : {"ModuloAuditorias", "ModuloProductos", "ModuloKits",
+                          "ModuloUtileriasProductos", "ModuloAsignaMonedero"})
+        EXPECT_TRUE(todos.contains(QLatin1String(m))) << m;
+
+    auto mesero = abreVentana();
+    EXPECT_TRUE(ingresa(*mesero, "mesero", "mesero").isEmpty());
+    ASSERT_TRUE(mesero->sesionAbierta());
+    EXPECT_EQ(mesero->sesion().EmpresaID, 2);
+    for (const QString& m : todos)
+        EXPECT_FALSE(modulosVisibles(*mesero).contains(m)) << qPrintable(m);
+
+    // El perfil del cajero gana bitácoras y utilerías (no el incremento de precios): toma efecto
+    // al siguiente acceso.
+    c.exige("Update PermisosSistema set acceso = 1 where perfilID = 2 and menú in "
+            "('Bitácoras del Sistema', 'Utilerías de Productos')");
+    auto cajero = abreVentana();
+    EXPECT_TRUE(ingresa(*cajero, "cajero", "cajero").isEmpty());
+    EXPECT_EQ(modulosVisibles(*cajero),
+              (QStringList{"ModuloAuditorias", "ModuloUtileriasProductos"}));
+    EXPECT_TRUE(cajero->sesion().puedeVentas(QStringLiteral("corteCaja")));
+    EXPECT_FALSE(cajero->sesion().puedeVentas(QStringLiteral("cancelarRemision")));
+
+    // Un módulo se abre encima del menú; Esc regresa como "Regresar".
+    QTest::mouseClick(control<QPushButton>(*cajero, "ModuloAuditorias"), Qt::LeftButton);
+    ASSERT_NE(cajero->findChild<TAuditoriasF*>(), nullptr);
+    EXPECT_TRUE(cajero->findChild<TAuditoriasF*>()->isVisible());
+    QTest::keyClick(cajero->findChild<TAuditoriasF*>(), Qt::Key_Escape);
+    EXPECT_TRUE(esperaHasta([&] { return cajero->findChild<TAuditoriasF*>() == nullptr; }));
+
+    // En las utilerías solo aparece lo permitido, y abrir lo demás por código lo rechaza.
+    QTest::mouseClick(control<QPushButton>(*cajero, "ModuloUtileriasProductos"), Qt::LeftButton);
+    EXPECT_EQ(cajero->findChild<QPushButton*>("BotonIncrementoPrecios"), nullptr);
+    EXPECT_EQ(cajero->findChild<QPushButton*>("BotonValorInventario"), nullptr);
+    Mensajes::ultimos();
+    const EntradaMenu* incremento = RegistroModulos::busca(QStringLiteral("IncrementoPrecios"));
+    ASSERT_NE(incremento, nullptr);
+    EXPECT_EQ(RegistroModulos::crea(*incremento, cajero->sesion(), cajero.get()), nullptr);
+    EXPECT_EQ(Mensajes::ultimos(),
+              QStringList{QString::fromUtf8(MensajeSinPermiso) + "Incremento de Precios"});
+    EXPECT_FALSE(exigePermiso(cajero->sesion(), QStringLiteral("Catálogo de Productos"), nullptr));
 }
 
 // Una pantalla con cambios sin guardar puede negarse a cerrar.
@@ -219,6 +279,18 @@ TEST_F(AccesoTest, RegresarRespetaLaPantallaYUnCloseDeLaPantallaRegresa) {
     sola->close();
     EXPECT_TRUE(esperaHasta([&] { return vigiaSola.isNull(); }));
     EXPECT_TRUE(control<TMenuPrimarioF>(*v, "MenuPrimario")->isVisible());
+
+    // Cerrar la ventana principal también le pregunta primero a la pantalla abierta.
+    auto* otra = new PantallaRenuente;
+    QPointer<PantallaRenuente> vigiaOtra(otra);
+    v->abrePantalla(otra, "Con cambios");
+    EXPECT_FALSE(v->close());
+    EXPECT_TRUE(v->isVisible());
+    ASSERT_TRUE(vigiaOtra);
+    EXPECT_TRUE(otra->isVisible());
+    otra->permite = true;
+    v->close(); // ahora sí: la pantalla se cierra y la ventana termina (tras sonar "Salir")
+    EXPECT_TRUE(esperaHasta([&] { return vigiaOtra.isNull() && !v->isVisible(); }));
 }
 
 TEST_F(AccesoTest, ComillasEnUsuarioYContrasenaNoLleganAlSql) {
@@ -231,6 +303,30 @@ TEST_F(AccesoTest, ComillasEnUsuarioYContrasenaNoLleganAlSql) {
     EXPECT_EQ(ingresa(*v, "o'brien", "x"), QStringList{kCredencialesMal});
     EXPECT_TRUE(ingresa(*v, "o'brien", "x' or '1'='1").isEmpty());
     EXPECT_EQ(v->sesion().NombreDeUsuario, "Ana O'Brien");
+}
+
+TEST_F(AccesoTest, EnterEnElServidorIngresaYLosCamposTienenNombreAccesible) {
+    auto v = abreVentana();
+    for (const char* campo : {"ServidorUsuario", "ServidorPuerto", "NombreUsuario",
+                              "ContrasenaUsuario", "DispositivoID"})
+        EXPECT_FALSE(control<QLineEdit>(*v, campo)->accessibleName().isEmpty()) << campo;
+    control<QLineEdit>(*v, "NombreUsuario")->setText("cajero");
+    control<QLineEdit>(*v, "ContrasenaUsuario")->setText("cajero");
+    QTest::keyClick(control<QLineEdit>(*v, "ServidorPuerto"), Qt::Key_Return);
+    EXPECT_TRUE(esperaHasta([&] { return v->sesionAbierta(); }));
+}
+
+TEST_F(AccesoTest, QtHablaEspanolYLosArchivosDeLaEstacionSoloLosLeeSuDueno) {
+    ASSERT_TRUE(ponEspanol(*QCoreApplication::instance()));
+    EXPECT_EQ(QLocale().name(), "es_MX");
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), "Cancelar");
+    AjustesEstacion ajustes(carpeta_.path());
+    const auto ajenos = QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ReadOther |
+                        QFileDevice::WriteOther;
+    for (const QString& archivo : {ajustes.ruta(), carpeta_.filePath("Cajaplex.db")}) {
+        EXPECT_TRUE(QFile::permissions(archivo) & QFileDevice::ReadOwner) << qPrintable(archivo);
+        EXPECT_FALSE(QFile::permissions(archivo) & ajenos) << qPrintable(archivo);
+    }
 }
 
 TEST_F(AccesoTest, EnterEnLaContrasenaIngresa) {
