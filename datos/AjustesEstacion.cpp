@@ -12,13 +12,23 @@ namespace {
 const QString kSeccion = QStringLiteral("CajaplexOmnivar/");
 constexpr int kPuertoOmision = 8080;
 
+QString& carpetaPredeterminada() {
+    static QString carpeta;
+    return carpeta;
+}
+
 QString rutaArchivo(QString carpeta) {
+    if (carpeta.isEmpty()) carpeta = carpetaPredeterminada();
     if (carpeta.isEmpty())
         carpeta = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
     return QDir(carpeta).filePath(QStringLiteral("Cajaplex.ini"));
 }
 
 } // namespace
+
+void AjustesEstacion::ponCarpetaPredeterminada(const QString& carpeta) {
+    carpetaPredeterminada() = carpeta;
+}
 
 AjustesEstacion::AjustesEstacion(QString carpeta)
     : ajustes_(rutaArchivo(std::move(carpeta)), QSettings::IniFormat) {}

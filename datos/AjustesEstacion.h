@@ -6,11 +6,16 @@
 
 namespace cajaplex {
 
-// Ajustes de la estación en Cajaplex.ini, sección "CajaplexOmnivar". Sin carpeta se usa la de
-// configuración del usuario. Los cambios llegan al archivo con guarda().
+// Ajustes de la estación en Cajaplex.ini, sección "CajaplexOmnivar". Sin carpeta se usa la de la
+// instalación (ponCarpetaPredeterminada) o, sin ella, la de configuración del usuario. Los
+// cambios llegan al archivo con guarda().
 class AjustesEstacion {
 public:
     explicit AjustesEstacion(QString carpeta = {});
+
+    // La carpeta de esta instalación (--configuracion): la usan todas las pantallas que leen sus
+    // ajustes sin nombrar carpeta.
+    static void ponCarpetaPredeterminada(const QString& carpeta);
 
     QString ruta() const { return ajustes_.fileName(); }
     // Carpeta del archivo; ahí vive también la base local de la estación.

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -17,6 +18,12 @@ namespace cajaplex {
 
 // Clave de ErrorServicio cuando no hubo respuesta del servicio (caído, red, tiempo agotado).
 inline constexpr const char* CodigoConexion = "conexion";
+// Clave de ErrorProgramacion: el código pidió algo que no existe (columna, marca...).
+inline constexpr const char* CodigoProgramacion = "programacion";
+// Clave de RegistroInexistente: otra estación eliminó lo que se modificaba.
+inline constexpr const char* CodigoInexistente = "inexistente";
+// Se dejó de preguntar por una escritura cuyo resultado no se supo (ver ConexionBD::reintentos).
+inline constexpr const char* CodigoIncierto = "incierto";
 
 // El único error del acceso a datos. Lleva la clave del servicio ("sql", "restriccion",
 // "ocupado"...) o CodigoConexion, el estado HTTP (0 sin respuesta) y el detalle para la bitácora;
@@ -39,6 +46,34 @@ private:
     std::string codigo_;
     int estadoHttp_;
     std::optional<size_t> sentencia_;
+};
+
+// Un error de programación: una columna o una marca que la sentencia no tiene, una marca sin valor
+// para esta ejecución, una transacción ya terminada, un número no finito... Es un ErrorServicio
+// para que toda pantalla que atrapa los errores del acceso a datos lo atrape también: muestra su
+// mensaje de falla ("Error al obtener los datos...") y sigue corriendo; nunca sale de un slot de
+// Qt. Se anota con qWarning al crearse, con el detalle para quien lo corrija.
+class ErrorProgramacion : public ErrorServicio {
+public:
+    explicit ErrorProgramacion(const std::string& mensaje);
+};
+
+// Lo que se iba a modificar ya no existe (otra estación lo eliminó); no se guardó nada. mensaje()
+// es el texto para el usuario.
+class RegistroInexistente : public ErrorServicio {
+public:
+    explicit RegistroInexistente(const QString& mensaje)
+        : ErrorServicio(CodigoInexistente, 0, mensaje.toStdString()) {}
+};
+
+// Una escritura de resultado incierto (la respuesta de `confirmar` o de un lote con clave no
+// llegó) que se va a preguntar otra vez con el mismo id, la misma clave y el mismo cuerpo.
+struct ReintentoEscritura {
+    const char* operacion = "";          // "confirmar" o "lote"
+    int intento = 0;                     // 1: el primero sin respuesta
+    std::chrono::milliseconds espera{0}; // lo que toca esperar antes de preguntar otra vez
+    std::chrono::milliseconds transcurrido{0};
+    std::string detalle; // por qué no hubo respuesta, para la bitácora
 };
 
 // Lo que un dataset necesita de su conexión: correr una sentencia fuera de transacción.
@@ -77,8 +112,12 @@ public:
     protocolo::Resultado ejecuta(const protocolo::Sentencia& sentencia,
                                  const std::string& transaccion);
 
-    // Para Transaccion y Lote. Las que llevan clave de idempotencia se reintentan una vez, con la
-    // misma clave y el mismo cuerpo, si la respuesta se perdió: el servicio contesta lo ya hecho.
+    // Para Transaccion y Lote. `confirmar` y los lotes con clave de idempotencia se preguntan otra
+    // vez, con el mismo id, la misma clave y el mismo cuerpo, mientras no llegue una respuesta
+    // definitiva (cualquier respuesta del servicio salvo 503): el servicio contesta lo ya hecho,
+    // así que nunca se duplica ni se informa como fallida una escritura que sí se registró.
+    // Entre intentos se espera con retroceso acotado (EsperaInicialReintento, doblando hasta
+    // EsperaMaximaReintento) por medio de esperaReintento.
     std::string comienzaTransaccion();
     void confirmaTransaccion(const std::string& id, const std::string& clave);
     void revierteTransaccion(const std::string& id);
@@ -86,13 +125,41 @@ public:
                                                   const std::string& transaccion,
                                                   const std::string& clave);
 
+    static constexpr std::chrono::milliseconds EsperaInicialReintento{200};
+    static constexpr std::chrono::milliseconds EsperaMaximaReintento{3000};
+    // Mientras el servicio recuerda el id de una transacción terminada; la clave de idempotencia
+    // dura 24 h.
+    static constexpr std::chrono::milliseconds LimiteReintentos{std::chrono::minutes(10)};
+
+    // Lo que hace la estación mientras espera para preguntar otra vez por una escritura incierta.
+    // Se llama sin el candado de la conexión tomado; debe esperar más o menos r.espera (una
+    // pantalla puede mostrar "Error de conexión..." y atender eventos, sin correr otras
+    // operaciones de datos) y devolver true para preguntar otra vez, false para dejar de esperar:
+    // entonces la operación lanza ErrorServicio con CodigoIncierto (no se supo si se registró). Sin
+    // asignar: duerme r.espera, avisa con qWarning y sigue hasta LimiteReintentos.
+    using EsperaReintento = std::function<bool(const ReintentoEscritura&)>;
+    void esperaReintento(EsperaReintento espera);
+    void limiteReintentos(std::chrono::milliseconds limite);
+
 private:
     struct Encabezado {
         std::string nombre;
         std::string valor;
     };
+    struct RespuestaHttp {
+        int estado = 0;
+        std::string cuerpo;
+    };
+    // Un solo intento. Sin respuesta: ErrorServicio con CodigoConexion.
+    RespuestaHttp intenta(const std::string& ruta, const std::string& cuerpo,
+                          const std::vector<Encabezado>& encabezados);
+    // Un solo intento; lo que no es 200 sale como ErrorServicio.
     std::string post(const std::string& ruta, const std::string& cuerpo,
-                     const std::vector<Encabezado>& encabezados, bool reintentable);
+                     const std::vector<Encabezado>& encabezados);
+    // Intenta hasta tener una respuesta definitiva (ver arriba); devuelve el cuerpo del 200.
+    std::string postHastaRespuesta(const char* operacion, const std::string& ruta,
+                                   const std::string& cuerpo,
+                                   const std::vector<Encabezado>& encabezados);
 
     struct Cliente;
     mutable std::mutex mutex_; // un cliente HTTP no se usa desde dos hilos a la vez
@@ -104,6 +171,8 @@ private:
     std::string contrasena_;
     std::chrono::milliseconds esperaConexion_ = EsperaConexion;
     std::chrono::milliseconds esperaLectura_ = EsperaLectura;
+    EsperaReintento esperaReintento_;
+    std::chrono::milliseconds limiteReintentos_ = LimiteReintentos;
 };
 
 } // namespace cajaplex

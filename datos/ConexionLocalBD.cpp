@@ -157,8 +157,8 @@ Resultado ConexionLocalBD::ejecuta(const protocolo::Sentencia& sentencia) {
             sentencia.parametros.begin(), sentencia.parametros.end(),
             [&](const protocolo::Parametro& par) { return minusculas(par.nombre) == nombre; });
         if (it == sentencia.parametros.end() || it->de)
-            throw std::logic_error("La marca " + std::string(marca ? marca : "?") +
-                                   " no tiene valor para la base local");
+            throw ErrorProgramacion("La marca " + std::string(marca ? marca : "?") +
+                                    " no tiene valor para la base local");
         const Valor& v = it->valor;
         int rc = SQLITE_OK;
         if (auto* n = std::get_if<int64_t>(&v))

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <stdexcept>
 
 #include "datos/Transaccion.h"
 
@@ -137,8 +136,8 @@ ParametroConsulta& Consulta::parametro(const QString& nombre) {
     const std::string clave = minusculas(nombre.toUtf8().toStdString());
     auto it = std::find(claves_.begin(), claves_.end(), clave);
     if (it == claves_.end())
-        throw std::logic_error("La sentencia no tiene la marca :" + nombre.toStdString() + " («" +
-                               sqlUtf8_ + "»)");
+        throw ErrorProgramacion("La sentencia no tiene la marca :" + nombre.toStdString() + " («" +
+                                sqlUtf8_ + "»)");
     return parametros_[static_cast<size_t>(it - claves_.begin())];
 }
 
@@ -147,7 +146,19 @@ void Consulta::limpiaParametros() {
         p = ParametroConsulta(p.valor().nombre);
 }
 
+QStringList Consulta::marcasSinAsignar() const {
+    QStringList lista;
+    for (const auto& p : parametros_)
+        if (!p.asignado()) lista << QString::fromStdString(p.valor().nombre);
+    return lista;
+}
+
 protocolo::Sentencia Consulta::sentencia() const {
+    const QStringList faltan = marcasSinAsignar();
+    if (!faltan.isEmpty())
+        throw ErrorProgramacion(
+            "Sin valor asignado para :" + faltan.join(QStringLiteral(", :")).toStdString() +
+            " en esta ejecución; no se mandó nada («" + sqlUtf8_ + "»)");
     protocolo::Sentencia s{sqlUtf8_, {}};
     s.parametros.reserve(parametros_.size());
     for (const auto& p : parametros_)
@@ -155,24 +166,35 @@ protocolo::Sentencia Consulta::sentencia() const {
     return s;
 }
 
+protocolo::Sentencia Consulta::tomaSentencia() {
+    struct Olvida {
+        Consulta& c;
+        ~Olvida() { c.limpiaParametros(); }
+    } olvida{*this};
+    return sentencia();
+}
+
 namespace {
 protocolo::Sentencia sinReferencias(protocolo::Sentencia s) {
     for (const auto& p : s.parametros)
         if (p.de)
-            throw std::logic_error("El parámetro :" + p.nombre +
-                                   " toma su valor de otra sentencia: solo vale dentro de un lote");
+            throw ErrorProgramacion(
+                "El parámetro :" + p.nombre +
+                " toma su valor de otra sentencia: solo vale dentro de un lote");
     return s;
 }
 } // namespace
 
 void Consulta::abre() {
-    if (conexion_ == nullptr)
-        throw std::logic_error("La consulta no tiene conexión asignada: «" + sqlUtf8_ + "»");
-    guarda(conexion_->ejecuta(sinReferencias(sentencia())));
+    if (conexion_ == nullptr) {
+        limpiaParametros();
+        throw ErrorProgramacion("La consulta no tiene conexión asignada: «" + sqlUtf8_ + "»");
+    }
+    guarda(conexion_->ejecuta(sinReferencias(tomaSentencia())));
 }
 
 void Consulta::abre(Transaccion& transaccion) {
-    guarda(transaccion.ejecuta(sinReferencias(sentencia())));
+    guarda(transaccion.ejecuta(sinReferencias(tomaSentencia())));
 }
 
 void Consulta::ejecuta() {

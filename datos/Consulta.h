@@ -25,7 +25,9 @@ class Transaccion;
 // en orden de aparición y con la grafía de la primera.
 std::vector<std::string> marcasSql(const std::string& sql);
 
-// Un parámetro de un dataset. Sin asignar viaja como NULL de tipo texto.
+// Un parámetro de un dataset. Vale para una sola ejecución: la consulta lo olvida al abrirse,
+// ejecutarse o agregarse a un Lote. Uno sin asignar nunca viaja (ni como NULL): la consulta lo
+// rechaza con ErrorProgramacion; NULL se manda solo con nulo().
 class ParametroConsulta {
 public:
     explicit ParametroConsulta(std::string nombre) { p_.nombre = std::move(nombre); }
@@ -39,7 +41,7 @@ public:
     void fecha(const QDate& valor);
     void blob(const QByteArray& valor);
     void guid(const QUuid& valor);
-    // NULL conservando el tipo que tenía.
+    // NULL a propósito, conservando el tipo que tenía.
     void nulo();
     // Solo dentro de un Lote: el valor sale de `columna` (o "ultimoId", "filasAfectadas") de la
     // sentencia `sentencia`, anterior en el mismo lote.
@@ -47,20 +49,28 @@ public:
             protocolo::Tipo tipo = protocolo::Tipo::Entero);
 
     const protocolo::Parametro& valor() const { return p_; }
+    bool asignado() const { return asignado_; }
 
 private:
     void pon(protocolo::Tipo tipo, protocolo::Valor valor) {
         p_.tipo = tipo;
         p_.valor = std::move(valor);
         p_.de.reset();
+        asignado_ = true;
     }
 
     protocolo::Parametro p_;
+    bool asignado_ = false;
 };
 
 // Un dataset: texto SQL fijo con parámetros por nombre, abierto o ejecutado sobre una conexión
 // (o dentro de una transacción, que trae la suya). Lee campos por nombre sin distinguir
 // mayúsculas y recorre renglones.
+//
+// Cada ejecución lleva sus propios valores: abre(), ejecuta() y Lote::agrega() exigen que toda
+// marca tenga valor asignado desde la ejecución anterior (si falta alguna lanzan
+// ErrorProgramacion y no mandan nada) y, haya salido bien o no, dejan todas las marcas sin
+// asignar. Así dos documentos seguidos sobre la misma consulta compartida no se heredan valores.
 class Consulta {
 public:
     explicit Consulta(QString sql);
@@ -72,9 +82,12 @@ public:
     const QString& sql() const { return sql_; }
     QStringList marcas() const;
 
-    // Un nombre que no es marca del texto es un error de programación (std::logic_error).
+    // Un nombre que no es marca del texto es un error de programación (ErrorProgramacion).
     ParametroConsulta& parametro(const QString& nombre);
+    // Deja todas las marcas sin asignar.
     void limpiaParametros();
+    // Las marcas que aún no tienen valor para la siguiente ejecución.
+    QStringList marcasSinAsignar() const;
 
     // Abre para leer renglones / ejecuta una escritura. Ambas guardan el resultado.
     void abre();
@@ -83,8 +96,12 @@ public:
     void ejecuta(Transaccion& transaccion);
     void cierra();
 
-    // El texto y los parámetros actuales, como viajan (para un Lote).
+    // El texto y los parámetros actuales, como viajarían, sin olvidarlos. Con una marca sin
+    // asignar lanza ErrorProgramacion.
     protocolo::Sentencia sentencia() const;
+    // Como sentencia(), pero olvida los parámetros (también si falta alguno): lo que usan las
+    // ejecuciones y Lote::agrega.
+    protocolo::Sentencia tomaSentencia();
 
     // Resultado de la última ejecución.
     const Registros& registros() const { return registros_; }

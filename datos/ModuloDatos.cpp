@@ -147,6 +147,34 @@ TModuloDeDatos::TModuloDeDatos()
     };
 }
 
+void TModuloDeDatos::limpiaParametros() {
+    for (Consulta* c : {&TablaLogeoLocalBD,
+                        &ValidaReferenciaID,
+                        &Remision,
+                        &RemisionDetalle,
+                        &RemisionDetalle2,
+                        &RemisionPagos,
+                        &Empresa,
+                        &DatosEmpresa,
+                        &Configuracion,
+                        &AuditoriasSistema,
+                        &Cotizacion,
+                        &CotizacionDetalle,
+                        &RegistraPago,
+                        &Clientes,
+                        &ConsultaConexionLocal,
+                        &ConsultaConexionLocal2,
+                        &Requisicion,
+                        &RequisicionDetalle,
+                        &OrdenCompra,
+                        &OrdenCompraDetalle,
+                        &DevolucionOrdenCompra,
+                        &DevolucionOrdenCompraDetalle,
+                        &AjusteProductos,
+                        &AjusteProductosDetalle})
+        c->limpiaParametros();
+}
+
 void TModuloDeDatos::ConexionLocalBDBeforeConnect(cajaplex::ConexionLocalBD& conexion) {
     conexion.asignaParametro(QStringLiteral("Encrypt"), QStringLiteral("aes-ctr-256"));
     conexion.asignaParametro(QStringLiteral("DriverID"), QStringLiteral("SQLite"));

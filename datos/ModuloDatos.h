@@ -11,7 +11,10 @@ namespace cajaplex {
 
 // El módulo de datos: las conexiones y las altas de los documentos principales, compartidas por
 // las pantallas. Cada alta liga cada columna con un parámetro del mismo nombre; el tipo lo da el
-// método con que la pantalla lo asigna. La aplicación usa la instancia global ModuloDeDatos; un
+// método con que la pantalla lo asigna. Como toda Consulta, cada ejecución exige todas sus marcas
+// asignadas para ella (una olvidada no viaja como NULL: se rechaza con ErrorProgramacion; NULL
+// se pide con nulo()) y las olvida al ejecutarse o agregarse a un Lote: un documento nunca hereda
+// los valores del anterior. La aplicación usa la instancia global ModuloDeDatos; un
 // hilo que necesite su propia conexión (carga, pruebas) crea otra instancia.
 //
 // Sin componentes de cursor de espera, de optimización ni de enlace al controlador SQLite: no
@@ -54,6 +57,10 @@ public:
     Consulta DevolucionOrdenCompraDetalle;
     Consulta AjusteProductos;
     Consulta AjusteProductosDetalle;
+
+    // Deja sin asignar las marcas de todas las consultas compartidas (cada ejecución ya las
+    // olvida; esto es para empezar de cero, por ejemplo al cambiar de sesión o entre pruebas).
+    void limpiaParametros();
 
     // Antes de cada apertura de la base local: Encrypt, DriverID, Password y Database, en ese
     // orden.

@@ -1,10 +1,11 @@
 #include "datos/Registros.h"
 
 #include <cmath>
-#include <stdexcept>
 #include <variant>
 
 #include <QLocale>
+
+#include "datos/ConexionBD.h"
 
 namespace cajaplex {
 
@@ -117,7 +118,9 @@ bool Registros::tieneColumna(const QString& nombre) const {
 Campo Registros::campo(size_t fila, const QString& nombre) const {
     auto it = indice_.constFind(nombre.toLower());
     if (it == indice_.constEnd())
-        throw std::logic_error("El resultado no tiene el campo '" + nombre.toStdString() + "'");
+        throw ErrorProgramacion(
+            "El resultado no tiene el campo '" + nombre.toStdString() +
+            "' (columnas: " + columnas().join(QStringLiteral(", ")).toStdString() + ")");
     const size_t columna = static_cast<size_t>(it.value());
     if (fila >= r_.filas.size() || columna >= r_.filas[fila].size())
         return {QString::fromUtf8(r_.columnas[columna].nombre), nullptr};

@@ -58,7 +58,7 @@ public:
     QStringList columnas() const;
     bool tieneColumna(const QString& nombre) const;
 
-    // Un nombre que no es columna es un error de programación (std::logic_error). Sin renglones,
+    // Un nombre que no es columna es un error de programación (ErrorProgramacion). Sin renglones,
     // el campo existe y es NULL, como en un dataset vacío.
     Campo campo(size_t fila, const QString& nombre) const;
     Registro registro(size_t fila) const { return {*this, fila}; }

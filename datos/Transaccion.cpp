@@ -1,6 +1,5 @@
 #include "datos/Transaccion.h"
 
-#include <stdexcept>
 #include <utility>
 
 #include <QUuid>
@@ -28,7 +27,7 @@ Transaccion::~Transaccion() {
 }
 
 void Transaccion::exigeActiva() const {
-    if (!activa_) throw std::logic_error("La transacción " + id_ + " ya terminó");
+    if (!activa_) throw ErrorProgramacion("La transacción " + id_ + " ya terminó");
 }
 
 void Transaccion::confirma() {
@@ -50,8 +49,12 @@ protocolo::Resultado Transaccion::ejecuta(const protocolo::Sentencia& sentencia)
 
 Lote::Lote(ConexionBD& conexion) : conexion_(conexion), clave_(claveNueva()) {}
 
-size_t Lote::agrega(const Consulta& consulta) {
-    return agrega(consulta.sentencia());
+size_t Lote::agrega(Consulta& consulta) {
+    return agrega(consulta.tomaSentencia());
+}
+
+size_t Lote::agrega(Consulta&& consulta) {
+    return agrega(consulta.tomaSentencia());
 }
 
 size_t Lote::agrega(protocolo::Sentencia sentencia) {
@@ -65,7 +68,7 @@ std::vector<Registros> Lote::ejecuta() {
 
 std::vector<Registros> Lote::ejecuta(Transaccion& transaccion) {
     if (!transaccion.activa())
-        throw std::logic_error("La transacción " + transaccion.id() + " ya terminó");
+        throw ErrorProgramacion("La transacción " + transaccion.id() + " ya terminó");
     return corre(transaccion.conexion(), transaccion.id());
 }
 

@@ -21,8 +21,10 @@ public:
     Transaccion(const Transaccion&) = delete;
     Transaccion& operator=(const Transaccion&) = delete;
 
-    // Confirmar lleva su clave de idempotencia: si se perdió la respuesta se pregunta de nuevo
-    // con la misma clave y el documento no se duplica.
+    // Confirmar lleva su clave de idempotencia: si se perdió la respuesta se pregunta de nuevo,
+    // con el mismo id y la misma clave, hasta que el servicio diga "confirmada" (vuelve), o que no
+    // se confirmó (404, 410, "revertida": lanza ErrorServicio); así nunca se informa como fallida
+    // una transacción confirmada ni se guarda dos veces. Mientras, ConexionBD::esperaReintento.
     void confirma();
     void revierte();
     bool activa() const { return activa_; }
@@ -41,16 +43,19 @@ private:
 };
 
 // Varias sentencias en un solo viaje, en orden y en una transacción, con una clave de
-// idempotencia por operación. Si la respuesta se pierde se reintenta una vez con la misma clave y
-// el mismo cuerpo: el servicio contesta lo ya registrado en vez de registrarlo otra vez. Quien
-// reintenta por su cuenta tras un error de conexión debe reusar el mismo Lote.
+// idempotencia por operación. Si la respuesta se pierde se pregunta otra vez con la misma clave y
+// el mismo cuerpo hasta tener respuesta definitiva (ConexionBD::esperaReintento): el servicio
+// contesta lo ya registrado en vez de registrarlo otra vez. Quien reintenta por su cuenta tras un
+// error de conexión debe reusar el mismo Lote.
 class Lote {
 public:
     explicit Lote(ConexionBD& conexion);
 
-    // Copia el texto y los parámetros actuales (incluidas las referencias "de"); devuelve su
+    // Copia el texto y los parámetros asignados (incluidas las referencias "de") y los olvida en
+    // la consulta; una marca sin asignar es ErrorProgramacion y no agrega nada. Devuelve su
     // índice, el que usan las referencias de las sentencias siguientes.
-    size_t agrega(const Consulta& consulta);
+    size_t agrega(Consulta& consulta);
+    size_t agrega(Consulta&& consulta);
     size_t agrega(protocolo::Sentencia sentencia);
     size_t tamano() const { return sentencias_.size(); }
     const std::string& clave() const { return clave_; }

@@ -1,5 +1,7 @@
 #include "datos/Utilerias.h"
 
+#include "datos/ConexionBD.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -22,7 +24,7 @@ QString numeroSql(int64_t valor) {
 
 QString numeroSql(double valor) {
     if (!std::isfinite(valor))
-        throw std::invalid_argument("numeroSql: el valor no es un número finito");
+        throw ErrorProgramacion("numeroSql: el valor no es un número finito");
     return QString::number(valor, 'g', QLocale::FloatingPointShortest);
 }
 
