@@ -27,8 +27,7 @@ std::string minusculas(std::string_view texto) {
 
 bool nombreProhibido(const std::string& nombre) {
     return nombre.starts_with("sqlite_") || nombre.starts_with("pragma_") ||
-           nombre == "load_extension" || nombre == TablaVersionEsquema ||
-           nombre == TablaIdempotencia;
+           nombre == "load_extension" || esTablaDeContabilidad(nombre);
 }
 
 [[noreturn]] void prohibe(const std::string& que) {

@@ -1,5 +1,8 @@
 #include "server/Migraciones.h"
 
+#include <algorithm>
+#include <set>
+
 #include "schema/Esquema.h"
 #include "server/Idempotencia.h"
 
@@ -36,10 +39,15 @@ int preparaBase(Conexion& c, bool cargarDemo, int hasta) {
                    TablaIdempotencia +
                    " (clave TEXT PRIMARY KEY, huella TEXT NOT NULL, respuesta TEXT NOT NULL,"
                    "  creada INTEGER NOT NULL);");
-    int version = static_cast<int>(entero(c.ejecutaInterna(
-        std::string("Select ifnull(max(version), 0) From ") + TablaVersionEsquema)));
+    // Se aplica toda migración que falte, aunque su número sea menor que el de otra ya aplicada
+    // (dos ramas que agregaron migraciones a la vez).
+    std::set<int64_t> aplicadas;
+    for (const auto& fila :
+         c.ejecutaInterna(std::string("Select version From ") + TablaVersionEsquema).filas)
+        if (auto* v = std::get_if<int64_t>(&fila.at(0))) aplicadas.insert(*v);
+    int version = aplicadas.empty() ? 0 : static_cast<int>(*aplicadas.rbegin());
     for (const auto& m : esquema::migraciones()) {
-        if (m.version <= version || m.version > hasta) continue;
+        if (aplicadas.count(m.version) || m.version > hasta) continue;
         enTransaccion(c, [&] {
             c.ejecutaGuion(m.sql);
             c.ejecutaInterna(std::string("Insert Into ") + TablaVersionEsquema +
@@ -47,7 +55,7 @@ int preparaBase(Conexion& c, bool cargarDemo, int hasta) {
                              {Parametro{"version", Tipo::Entero, int64_t{m.version}, {}},
                               Parametro{"nombre", Tipo::Texto, std::string(m.nombre), {}}});
         });
-        version = m.version;
+        version = std::max(version, m.version);
     }
     if (cargarDemo) {
         enTransaccion(c, [&] {
@@ -55,6 +63,13 @@ int preparaBase(Conexion& c, bool cargarDemo, int hasta) {
                 c.ejecutaGuion(esquema::datosDemo());
         });
     }
+    // Una base de una versión anterior, y la demostración, traen contraseñas en claro.
+    if (version >= 1)
+        enTransaccion(c, [&] {
+            c.ejecutaInterna("Update Usuarios Set contrasena = cajaplex_hash(contrasena)"
+                             " Where contrasena is not null"
+                             " and substr(contrasena, 1, 10) <> '$argon2id$'");
+        });
     enTransaccion(c, [&] { purgaIdempotencia(c); });
     return version;
 }

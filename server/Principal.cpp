@@ -1,16 +1,21 @@
 // cajaplex-servidor: la base de datos de Cajaplex servida como SQL sobre HTTP.
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <malloc.h>
 #include <pthread.h>
 #include <string>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
+#include "server/Eventos.h"
 #include "server/Migraciones.h"
 #include "server/MotorSqlite.h"
+#include "server/SalidaJson.h"
 #include "server/Servicio.h"
 #include "server/ServidorHttp.h"
 
@@ -23,12 +28,17 @@ struct Opciones {
     std::string direccion = "127.0.0.1";
     int puerto = 8080;
     bool demo = false;
+    long long memoriaMiB = 512;
+    long long paginasMaximas = 0;
 };
 
 [[noreturn]] void uso(const std::string& problema) {
     std::cerr << problema << "\n"
               << "Uso: cajaplex-servidor --datos DIR [--direccion 127.0.0.1] [--puerto 8080] "
-                 "[--demo]\n";
+                 "[--demo] [--memoria MiB] [--paginas-maximas N]\n"
+                 "  --memoria MiB          límite de memoria de SQLite para todo el proceso "
+                 "(512)\n"
+                 "  --paginas-maximas N    tope de páginas del archivo (pruebas: disco lleno)\n";
     std::exit(2);
 }
 
@@ -50,10 +60,19 @@ Opciones leeOpciones(int argc, char** argv) {
             long p = std::strtol(valor.c_str(), &fin, 10);
             if (*fin != '\0' || p < 0 || p > 65535) uso("Puerto no válido: " + valor);
             o.puerto = static_cast<int>(p);
-        } else if (arg == "--demo")
+        } else if (arg == "--demo") {
             o.demo = true;
-        else
+        } else if (arg == "--memoria" || arg == "--paginas-maximas") {
+            const std::string valor = siguiente();
+            char* fin = nullptr;
+            long long n = std::strtoll(valor.c_str(), &fin, 10);
+            const long long minimo = arg == "--memoria" ? 16 : 1;
+            if (valor.empty() || *fin != '\0' || n < minimo || n > (1LL << 40))
+                uso("Valor no válido para " + arg + ": " + valor);
+            (arg == "--memoria" ? o.memoriaMiB : o.paginasMaximas) = n;
+        } else {
             uso("Opción desconocida: " + arg);
+        }
     }
     if (o.datos.empty()) uso("Falta --datos DIR");
     return o;
@@ -90,20 +109,49 @@ int main(int argc, char** argv) {
     pthread_sigmask(SIG_BLOCK, &senales, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
 
+    // Memoria acotada: el montículo de SQLite tiene límite duro, las respuestas en construcción
+    // el suyo, y pocas arenas de malloc para tantos hilos.
+    const long long memoria = opciones.memoriaMiB << 20;
+    fijaMemoriaSqlite(memoria);
+    fijaMemoriaRespuestas(std::max<size_t>(2 * LimiteRespuesta, static_cast<size_t>(memoria / 2)));
+    mallopt(M_ARENA_MAX, 4);
+    // Cada conexión de una estación (y cada espera de eventos) es un descriptor.
+    rlimit archivos{};
+    if (getrlimit(RLIMIT_NOFILE, &archivos) == 0 && archivos.rlim_cur < archivos.rlim_max) {
+        archivos.rlim_cur = std::min<rlim_t>(archivos.rlim_max, 65536);
+        setrlimit(RLIMIT_NOFILE, &archivos);
+    }
+
+    Eventos eventos;
     std::error_code ec;
     std::filesystem::create_directories(opciones.datos, ec);
-    MotorSqlite motor({(std::filesystem::path(opciones.datos) / "cajaplex.db").string()});
+    OpcionesSqlite sqlite;
+    sqlite.archivo = (std::filesystem::path(opciones.datos) / "cajaplex.db").string();
+    sqlite.paginasMaximas = opciones.paginasMaximas;
+    MotorSqlite motor(sqlite);
     try {
         auto conexion = motor.abreConexion();
         preparaBase(*conexion, opciones.demo);
+        std::vector<std::string> tablas;
+        for (const auto& fila :
+             conexion
+                 ->ejecutaInterna("Select name From sqlite_master Where type = 'table' And "
+                                  "substr(name, 1, 7) <> 'sqlite_' And "
+                                  "substr(name, 1, 9) <> 'cajaplex_'")
+                 .filas)
+            tablas.push_back(std::get<std::string>(fila.at(0)));
+        eventos.defineTablas(tablas);
     } catch (const std::exception& e) {
         std::cerr << "No se pudo preparar la base de datos: " << e.what() << "\n";
         return 1;
     }
+    // Desde aquí cada COMMIT de las estaciones sube los contadores de eventos.
+    sqlite.alConfirmar = [&eventos](const std::set<std::string>& t) { eventos.publica(t); };
+    MotorSqlite motorServicio(sqlite);
 
-    Servicio servicio(motor, TiemposTransaccion{});
+    Servicio servicio(motorServicio, TiemposTransaccion{});
     http.puerto = opciones.puerto;
-    ServidorHttp servidor(servicio, http);
+    ServidorHttp servidor(servicio, http, &eventos);
     const int puerto = servidor.abre();
     if (puerto <= 0) {
         std::cerr << "No se pudo abrir " << opciones.direccion << ":" << opciones.puerto << "\n";
@@ -116,6 +164,7 @@ int main(int argc, char** argv) {
     std::thread vigiaSenales([&] {
         int senal = 0;
         sigwait(&senales, &senal);
+        servidor.despideEsperas(std::chrono::seconds(2));
         servidor.detiene();
         servicio.detiene(std::chrono::seconds(20));
         std::cout << "Servicio detenido" << std::endl;

@@ -28,10 +28,10 @@ std::string minusculas(std::string s) {
     return s;
 }
 
-// Usuario activo con acceso móvil y esas credenciales.
+// Usuario activo con acceso móvil y esas credenciales (la contraseña guardada es un hash).
 constexpr const char* sqlValidaUsuario =
     "Select usuarioID as UsuarioID, nombre, esAdmin, perfilID From Usuarios"
-    " Where nUsuario = :a0 and contrasena = :a1 and ifnull(activo, 0) = 1"
+    " Where nUsuario = :a0 and cajaplex_verifica(:a1, contrasena) = 1 and ifnull(activo, 0) = 1"
     " and ifnull(accesaMovil, 0) = 1";
 
 // La misma consulta del monitor de preparación; el área 0 trae todas.

@@ -1,10 +1,13 @@
 #include "server/Servicio.h"
 
 #include <chrono>
+#include <new>
+#include <optional>
 
 #include "server/Arenero.h"
 #include "server/Idempotencia.h"
 #include "server/Procedimientos.h"
+#include "server/SalidaJson.h"
 
 namespace cajaplex::servidor {
 
@@ -16,6 +19,9 @@ namespace {
 
 constexpr const char* PuntoSentencia = "cajaplex_sentencia";
 constexpr const char* PuntoLote = "cajaplex_lote";
+constexpr const char* PuntoClave = "cajaplex_clave";
+// Pasada una respuesta de este tamaño, la memoria que dejó se devuelve al sistema.
+constexpr size_t RespuestaGrande = size_t{8} << 20;
 
 std::string volcado(const json& j) {
     return j.dump(-1, ' ', false, json::error_handler_t::replace);
@@ -31,23 +37,34 @@ json leeJson(const std::string& cuerpo) {
     return j;
 }
 
-// Sentencia ya revisada por el arenero; "llamada" dice si es un procedimiento.
-Resultado ejecutaRevisada(Conexion& c, const std::string& sql, const std::vector<Parametro>& params,
-                          const std::optional<LlamadaProcedimiento>& llamada) {
-    return llamada ? ejecutaProcedimiento(c, *llamada) : c.ejecuta(sql, params);
+// Sentencia ya revisada por el arenero; "llamada" dice si es un procedimiento. La respuesta se
+// escribe en salida.
+Resumen ejecutaRevisada(Conexion& c, const std::string& sql, const std::vector<Parametro>& params,
+                        const std::optional<LlamadaProcedimiento>& llamada, SalidaJson& salida) {
+    if (!llamada) return c.ejecutaEnJson(sql, params, salida);
+    Resultado r = ejecutaProcedimiento(c, *llamada);
+    salida.crudo(volcado(aJson(r)));
+    Resumen resumen;
+    for (const auto& col : r.columnas)
+        resumen.columnas.push_back(col.nombre);
+    if (!r.filas.empty()) resumen.primeraFila = std::move(r.filas[0]);
+    resumen.filasAfectadas = r.filasAfectadas;
+    resumen.ultimoId = r.ultimoId;
+    return resumen;
 }
 
-Resultado ejecutaUna(Conexion& c, const std::string& sql, const std::vector<Parametro>& params) {
+Resumen ejecutaUna(Conexion& c, const std::string& sql, const std::vector<Parametro>& params,
+                   SalidaJson& salida) {
     revisaTextoDeEstacion(sql);
-    return ejecutaRevisada(c, sql, params, reconoceProcedimiento(sql, params));
+    return ejecutaRevisada(c, sql, params, reconoceProcedimiento(sql, params), salida);
 }
 
 // El valor al que apunta una referencia "de" de un lote.
 protocolo::Valor valorReferido(const protocolo::Referencia& ref, size_t actual,
-                               const std::vector<Resultado>& previos) {
+                               const std::vector<Resumen>& previos) {
     if (ref.sentencia >= actual)
         throw protocolo::errorSolicitud("Una referencia solo puede nombrar una sentencia anterior");
-    const Resultado& r = previos[ref.sentencia];
+    const Resumen& r = previos[ref.sentencia];
     auto igual = [](const std::string& a, const std::string& b) {
         return a.size() == b.size() &&
                std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
@@ -56,11 +73,11 @@ protocolo::Valor valorReferido(const protocolo::Referencia& ref, size_t actual,
                });
     };
     for (size_t i = 0; i < r.columnas.size(); ++i) {
-        if (!igual(r.columnas[i].nombre, ref.columna)) continue;
-        if (r.filas.empty())
+        if (!igual(r.columnas[i], ref.columna)) continue;
+        if (!r.primeraFila || i >= r.primeraFila->size())
             throw protocolo::errorSolicitud("La sentencia " + std::to_string(ref.sentencia) +
                                             " no devolvió renglones");
-        return r.filas[0][i];
+        return (*r.primeraFila)[i];
     }
     if (igual(ref.columna, "ultimoId")) return r.ultimoId;
     if (igual(ref.columna, "filasAfectadas")) return r.filasAfectadas;
@@ -68,27 +85,28 @@ protocolo::Valor valorReferido(const protocolo::Referencia& ref, size_t actual,
                                     " no tiene la columna '" + ref.columna + "'");
 }
 
-// Corre las sentencias de un lote en orden; un error lleva el índice de la que falló.
-json ejecutaLote(Conexion& c, const std::vector<Sentencia>& sentencias) {
-    std::vector<Resultado> resultados;
-    resultados.reserve(sentencias.size());
-    json lista = json::array();
+// Corre las sentencias de un lote en orden y escribe {"resultados": [...]}; un error lleva el
+// índice de la que falló.
+void ejecutaLote(Conexion& c, const std::vector<Sentencia>& sentencias, SalidaJson& salida) {
+    std::vector<Resumen> resumenes;
+    resumenes.reserve(sentencias.size());
+    salida.crudo("{\"resultados\":[");
     for (size_t i = 0; i < sentencias.size(); ++i) {
         try {
             std::vector<Parametro> params = sentencias[i].parametros;
             for (auto& p : params) {
                 if (!p.de) continue;
-                p.valor = valorReferido(*p.de, i, resultados);
+                p.valor = valorReferido(*p.de, i, resumenes);
                 p.de.reset();
             }
-            resultados.push_back(ejecutaUna(c, sentencias[i].sql, params));
-            lista.push_back(aJson(resultados.back()));
+            if (i > 0) salida.caracter(',');
+            resumenes.push_back(ejecutaUna(c, sentencias[i].sql, params, salida));
         } catch (ErrorProtocolo& e) {
             e.sentencia = i;
             throw;
         }
     }
-    return json{{"resultados", std::move(lista)}};
+    salida.crudo("]}");
 }
 
 // Respuesta ya guardada para la clave, o 422 si la clave vino con otra solicitud.
@@ -127,56 +145,77 @@ template <typename F> Respuesta Servicio::atiende(F&& trabajo) {
         }
     } termina{*this};
     try {
-        return trabajo();
+        Respuesta r = trabajo();
+        r.grande = r.cuerpo.size() >= RespuestaGrande;
+        return r;
     } catch (const ErrorProtocolo& e) {
+        // Una respuesta o una sentencia que no cupo dejó memoria libre: se devuelve.
+        if (e.estadoHttp() == 413 || e.estadoHttp() == 503) devuelveMemoria();
         return respuestaDeError(e);
+    } catch (const std::bad_alloc&) {
+        devuelveMemoria();
+        return respuestaDeError(
+            ErrorProtocolo(503, "ocupado", "El servicio no tiene memoria para esta solicitud"));
     } catch (const std::exception& e) {
         return respuestaDeError(ErrorProtocolo(500, "interno", e.what()));
     }
 }
 
-Servicio::Servicio(Motor& motor, TiemposTransaccion tiempos)
-    : pool_(motor, 48), tiempos_(tiempos), transacciones_(pool_, escritor_, tiempos),
-      ultimaPurga_(segundosAhora()) {}
+Servicio::Servicio(Motor& motor, TiemposTransaccion tiempos, size_t conexiones)
+    : motor_(motor), pool_(motor, conexiones, conexiones, tiempos.esperaEscritor),
+      tiempos_(tiempos), transacciones_(pool_, escritor_, tiempos), ultimaPurga_(segundosAhora()) {}
+
+void Servicio::devuelveMemoria() {
+    motor_.liberaMemoria();
+}
 
 Respuesta Servicio::sentencia(const Solicitud& s) {
     return atiende([&]() -> Respuesta {
         const Sentencia sentencia = protocolo::sentenciaDesdeJson(leeJson(s.cuerpo));
-        Resultado r;
+        for (const auto& p : sentencia.parametros)
+            if (p.de)
+                throw protocolo::errorSolicitud(
+                    "El parámetro '" + p.nombre +
+                    "' toma su valor de otra sentencia: eso solo vale dentro de un lote");
+        SalidaJson salida;
         if (!s.transaccion.empty()) {
             transacciones_.usa(s.transaccion, [&](Conexion& c) {
                 c.marca(PuntoSentencia);
                 try {
-                    r = ejecutaUna(c, sentencia.sql, sentencia.parametros);
+                    ejecutaUna(c, sentencia.sql, sentencia.parametros, salida);
                 } catch (...) {
                     if (c.enTransaccion()) c.regresaA(PuntoSentencia);
                     throw;
                 }
                 c.libera(PuntoSentencia);
             });
-            return {200, volcado(aJson(r))};
+            return {200, salida.suelta()};
         }
         revisaTextoDeEstacion(sentencia.sql);
-        auto c = pool_.toma();
+        std::optional<PoolConexiones::Prestada> c(pool_.toma());
         auto llamada = reconoceProcedimiento(sentencia.sql, sentencia.parametros);
-        const bool escribe = llamada ? llamada->escribe : !c->soloLee(sentencia.sql);
+        const bool escribe = llamada ? llamada->escribe : !(*c)->soloLee(sentencia.sql);
         if (!escribe) {
-            r = ejecutaRevisada(*c, sentencia.sql, sentencia.parametros, llamada);
-            return {200, volcado(aJson(r))};
+            ejecutaRevisada(**c, sentencia.sql, sentencia.parametros, llamada, salida);
+            return {200, salida.suelta()};
         }
+        // Mientras espera al escritor no retiene una conexión que otro podría usar.
+        c.reset();
         if (!escritor_.toma(tiempos_.esperaEscritor))
             throw ErrorProtocolo(503, "ocupado",
                                  "La base de datos está ocupada por otra escritura");
         EscrituraTomada escritura(escritor_);
-        c->comienza();
+        c.emplace(pool_.toma());
+        Conexion& con = **c;
+        con.comienza();
         try {
-            r = ejecutaRevisada(*c, sentencia.sql, sentencia.parametros, llamada);
-            c->confirma();
+            ejecutaRevisada(con, sentencia.sql, sentencia.parametros, llamada, salida);
+            con.confirma();
         } catch (...) {
-            c->revierte();
+            con.revierte();
             throw;
         }
-        return {200, volcado(aJson(r))};
+        return {200, salida.suelta()};
     });
 }
 
@@ -200,8 +239,10 @@ Respuesta Servicio::loteEnTransaccion(const Solicitud& s) {
         }
         c.marca(PuntoLote);
         try {
-            respuesta = {200, volcado(ejecutaLote(c, sentencias))};
-            if (s.traeIdempotencia) guardaIdempotencia(c, s.idempotencia, huella, respuesta.cuerpo);
+            SalidaJson salida;
+            ejecutaLote(c, sentencias, salida);
+            if (s.traeIdempotencia) guardaIdempotencia(c, s.idempotencia, huella, salida.texto());
+            respuesta = {200, salida.suelta()};
         } catch (...) {
             if (c.enTransaccion()) c.regresaA(PuntoLote);
             throw;
@@ -214,13 +255,14 @@ Respuesta Servicio::loteEnTransaccion(const Solicitud& s) {
 Respuesta Servicio::loteConTransaccionPropia(const Solicitud& s) {
     const auto sentencias = protocolo::loteDesdeJson(leeJson(s.cuerpo));
     const std::string huella = huellaSolicitud(s.ruta, s.cuerpo);
-    auto c = pool_.toma();
     if (s.traeIdempotencia) {
+        auto c = pool_.toma();
         if (auto previa = repeticion(*c, s, huella)) return *previa;
     }
     if (!escritor_.toma(tiempos_.esperaEscritor))
         throw ErrorProtocolo(503, "ocupado", "La base de datos está ocupada por otra escritura");
     EscrituraTomada escritura(escritor_);
+    auto c = pool_.toma();
     c->comienza();
     try {
         // Dentro del escritor nadie más pudo guardar la clave: esta lectura es la que vale.
@@ -230,15 +272,16 @@ Respuesta Servicio::loteConTransaccionPropia(const Solicitud& s) {
                 return *previa;
             }
         }
-        Respuesta respuesta{200, volcado(ejecutaLote(*c, sentencias))};
-        if (s.traeIdempotencia) guardaIdempotencia(*c, s.idempotencia, huella, respuesta.cuerpo);
+        SalidaJson salida;
+        ejecutaLote(*c, sentencias, salida);
+        if (s.traeIdempotencia) guardaIdempotencia(*c, s.idempotencia, huella, salida.texto());
         const long long ahora = segundosAhora();
         if (ahora - ultimaPurga_.load() > 3600) {
             ultimaPurga_ = ahora;
             purgaIdempotencia(*c);
         }
         c->confirma();
-        return respuesta;
+        return {200, salida.suelta()};
     } catch (...) {
         c->revierte();
         throw;
@@ -264,8 +307,24 @@ Respuesta Servicio::confirmaTransaccion(const std::string& id, const Solicitud& 
             auto c = pool_.toma();
             if (auto previa = repeticion(*c, s, huella)) return *previa;
         }
-        transacciones_.confirma(
-            id, [&](Conexion& c) { guardaIdempotencia(c, s.idempotencia, huella, respuesta); });
+        transacciones_.confirma(id, [&](Conexion& c) {
+            // La clave pudo usarla ya un lote de esta misma transacción: es otra solicitud (422)
+            // y la transacción queda como estaba, sin revertirse.
+            if (auto guardada = buscaIdempotencia(c, s.idempotencia)) {
+                if (guardada->huella != huella)
+                    throw ErrorProtocolo(422, "idempotencia",
+                                         "La clave de idempotencia ya se usó con otra solicitud");
+                return;
+            }
+            c.marca(PuntoClave);
+            try {
+                guardaIdempotencia(c, s.idempotencia, huella, respuesta);
+            } catch (...) {
+                if (c.enTransaccion()) c.regresaA(PuntoClave);
+                throw;
+            }
+            c.libera(PuntoClave);
+        });
         return {200, respuesta};
     });
 }

@@ -24,13 +24,15 @@ struct Solicitud {
 
 struct Respuesta {
     int estado = 200;
-    std::string cuerpo; // JSON
+    std::string cuerpo;  // JSON
+    bool grande = false; // después de enviarla conviene devolver la memoria al sistema
 };
 
 // Las operaciones del protocolo, sin HTTP: cada una contesta un JSON, de éxito o de error.
 class Servicio {
 public:
-    Servicio(Motor& motor, TiemposTransaccion tiempos);
+    // conexiones: cuántas conexiones a la base puede tener abiertas a la vez.
+    Servicio(Motor& motor, TiemposTransaccion tiempos, size_t conexiones = 32);
 
     Respuesta sentencia(const Solicitud& s);
     Respuesta lote(const Solicitud& s);
@@ -42,11 +44,16 @@ public:
     // las transacciones abiertas y cierra las conexiones libres.
     void detiene(std::chrono::milliseconds espera);
 
+    // Devuelve al sistema la memoria libre del motor y del proceso (tras una respuesta grande o
+    // una que no cupo).
+    void devuelveMemoria();
+
 private:
     Respuesta loteEnTransaccion(const Solicitud& s);
     Respuesta loteConTransaccionPropia(const Solicitud& s);
     template <typename F> Respuesta atiende(F&& trabajo);
 
+    Motor& motor_;
     PoolConexiones pool_;
     CerrojoEscritor escritor_;
     TiemposTransaccion tiempos_;

@@ -1,5 +1,9 @@
 #include "server/ServidorHttp.h"
 
+#include <deque>
+#include <sys/socket.h>
+#include <thread>
+
 #include <httplib.h>
 
 #include "protocol/Base64.h"
@@ -23,10 +27,66 @@ void contestaError(httplib::Response& res, int estado, const std::string& codigo
     res.set_content(json{{"error", mensaje}, {"codigo", codigo}}.dump(), tipoJson);
 }
 
-void contesta(httplib::Response& res, const Respuesta& r) {
-    res.status = r.estado;
-    res.set_content(r.cuerpo, tipoJson);
-}
+// Hilos para las conexiones: empieza con pocos y crea otro cuando llega trabajo y no hay uno
+// libre, hasta un máximo (httplib::ThreadPool los crea todos al empezar).
+class PoolHilos : public httplib::TaskQueue {
+public:
+    PoolHilos(size_t iniciales, size_t maximo) : maximo_(maximo) {
+        std::lock_guard lock(m_);
+        for (size_t i = 0; i < iniciales && i < maximo; ++i)
+            hilos_.emplace_back([this] { trabaja(); });
+    }
+
+    void enqueue(std::function<void()> fn) override {
+        {
+            std::lock_guard lock(m_);
+            trabajos_.push_back(std::move(fn));
+            if (trabajos_.size() > libres_ && hilos_.size() < maximo_)
+                hilos_.emplace_back([this] { trabaja(); });
+        }
+        cv_.notify_one();
+    }
+
+    void shutdown() override {
+        std::vector<std::thread> hilos;
+        {
+            std::lock_guard lock(m_);
+            terminar_ = true;
+        }
+        cv_.notify_all();
+        {
+            std::lock_guard lock(m_);
+            hilos.swap(hilos_);
+        }
+        for (auto& h : hilos)
+            h.join();
+    }
+
+private:
+    void trabaja() {
+        for (;;) {
+            std::function<void()> fn;
+            {
+                std::unique_lock lock(m_);
+                ++libres_;
+                cv_.wait(lock, [&] { return !trabajos_.empty() || terminar_; });
+                --libres_;
+                if (trabajos_.empty()) return;
+                fn = std::move(trabajos_.front());
+                trabajos_.pop_front();
+            }
+            fn();
+        }
+    }
+
+    size_t maximo_;
+    std::mutex m_;
+    std::condition_variable cv_;
+    std::deque<std::function<void()>> trabajos_;
+    std::vector<std::thread> hilos_;
+    size_t libres_ = 0;
+    bool terminar_ = false;
+};
 
 Solicitud solicitudDe(const httplib::Request& req) {
     Solicitud s{req.path, req.body, req.get_header_value("X-Transaccion"),
@@ -36,13 +96,20 @@ Solicitud solicitudDe(const httplib::Request& req) {
 
 } // namespace
 
-ServidorHttp::ServidorHttp(Servicio& servicio, OpcionesHttp opciones)
-    : servicio_(servicio), opciones_(std::move(opciones)),
+ServidorHttp::ServidorHttp(Servicio& servicio, OpcionesHttp opciones, Eventos* eventos)
+    : servicio_(servicio), eventos_(eventos), opciones_(std::move(opciones)),
       http_(std::make_unique<httplib::Server>()) {
     auto& http = *http_;
+    const size_t iniciales = opciones_.hilosIniciales;
     const size_t hilos = opciones_.hilos;
-    http.new_task_queue = [hilos] { return new httplib::ThreadPool(hilos); };
+    http.new_task_queue = [iniciales, hilos] { return new PoolHilos(iniciales, hilos); };
     http.set_tcp_nodelay(true);
+    // Se guarda el socket que escucha para ampliar después su cola de conexiones pendientes.
+    http.set_socket_options([this](socket_t sock) {
+        int si = 1;
+        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &si, sizeof si);
+        escucha_ = sock;
+    });
     http.set_keep_alive_max_count(100000);
     http.set_keep_alive_timeout(15);
     http.set_read_timeout(30, 0);
@@ -62,6 +129,29 @@ ServidorHttp::ServidorHttp(Servicio& servicio, OpcionesHttp opciones)
     http.Get(base + "salud", [](const httplib::Request&, httplib::Response& res) {
         res.set_content(json{{"estado", "ok"}, {"version", CAJAPLEX_VERSION}}.dump(), tipoJson);
     });
+    if (eventos_) {
+        http.Get(base + "eventos",
+                 protegido([this](const httplib::Request& req, httplib::Response& res) {
+                     ++eventosPendientes_;
+                     std::string cuerpo;
+                     try {
+                         cuerpo = eventos_->espera(req.get_param_value("tablas"),
+                                                   req.get_param_value("desde"),
+                                                   req.get_param_value("espera"));
+                     } catch (const protocolo::ErrorProtocolo& e) {
+                         res.status = e.estadoHttp();
+                         cuerpo = aJson(e).dump();
+                     }
+                     // Se cuenta como pendiente hasta que httplib terminó de enviarla.
+                     auto texto = std::make_shared<std::string>(std::move(cuerpo));
+                     res.set_content_provider(
+                         texto->size(), tipoJson,
+                         [texto](size_t desde, size_t largo, httplib::DataSink& sink) {
+                             return sink.write(texto->data() + desde, largo);
+                         },
+                         [this](bool) { --eventosPendientes_; });
+                 }));
+    }
     http.Post(base, protegido([this](const httplib::Request& req, httplib::Response& res) {
                   contesta(res, servicio_.sentencia(solicitudDe(req)));
               }));
@@ -109,6 +199,34 @@ ServidorHttp::ServidorHttp(Servicio& servicio, OpcionesHttp opciones)
 
 ServidorHttp::~ServidorHttp() = default;
 
+void ServidorHttp::contesta(httplib::Response& res, Respuesta r) {
+    res.status = r.estado;
+    if (!r.grande) {
+        res.body = std::move(r.cuerpo);
+        res.set_header("Content-Type", tipoJson);
+        return;
+    }
+    // Una respuesta grande se envía sin copiarla y, enviada, su memoria vuelve al sistema.
+    auto texto = std::make_shared<std::string>(std::move(r.cuerpo));
+    res.set_content_provider(
+        texto->size(), tipoJson,
+        [texto](size_t desde, size_t largo, httplib::DataSink& sink) {
+            return sink.write(texto->data() + desde, largo);
+        },
+        [this, texto](bool) {
+            std::string().swap(*texto);
+            servicio_.devuelveMemoria();
+        });
+}
+
+void ServidorHttp::despideEsperas(std::chrono::milliseconds plazo) {
+    if (!eventos_) return;
+    eventos_->detiene();
+    const auto limite = std::chrono::steady_clock::now() + plazo;
+    while (eventosPendientes_.load() > 0 && std::chrono::steady_clock::now() < limite)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
 bool ServidorHttp::autenticado(const httplib::Request& req, httplib::Response& res) const {
     if (req.get_header_value("Authorization") == credencial_) return true;
     res.set_header("WWW-Authenticate", "Basic realm=\"Cajaplex\"");
@@ -117,8 +235,15 @@ bool ServidorHttp::autenticado(const httplib::Request& req, httplib::Response& r
 }
 
 int ServidorHttp::abre() {
-    if (opciones_.puerto == 0) return http_->bind_to_any_port(opciones_.direccion);
-    return http_->bind_to_port(opciones_.direccion, opciones_.puerto) ? opciones_.puerto : -1;
+    const int puerto =
+        opciones_.puerto == 0
+            ? http_->bind_to_any_port(opciones_.direccion)
+            : (http_->bind_to_port(opciones_.direccion, opciones_.puerto) ? opciones_.puerto : -1);
+    // httplib escucha con una cola de 5: cientos de estaciones (o esperas de eventos) que se
+    // conectan a la vez desbordarían la cola y el núcleo descartaría conexiones. Volver a
+    // llamar listen() sobre el mismo socket solo amplía la cola.
+    if (puerto > 0 && escucha_ >= 0) ::listen(escucha_, 1024);
+    return puerto;
 }
 
 void ServidorHttp::atiende() {

@@ -38,17 +38,18 @@ Transacciones::~Transacciones() {
 }
 
 std::string Transacciones::comienza() {
-    auto conexion = pool_.toma();
+    // Primero el escritor y luego la conexión: quien espera turno no retiene una conexión.
     if (!escritor_.toma(tiempos_.esperaEscritor))
         throw ErrorProtocolo(503, "ocupado", "Otra transacción tiene la base de datos ocupada");
+    auto t = std::make_shared<Transaccion>();
     try {
+        auto conexion = pool_.toma();
         conexion->comienza();
+        t->conexion = conexion.suelta();
     } catch (...) {
         escritor_.suelta();
         throw;
     }
-    auto t = std::make_shared<Transaccion>();
-    t->conexion = conexion.suelta();
     t->ultimoUso = Reloj::now();
     std::string id = nuevoId();
     std::lock_guard lock(m_);
@@ -66,14 +67,25 @@ std::shared_ptr<Transacciones::Transaccion> Transacciones::busca(const std::stri
 void Transacciones::termina(Transaccion& t, Estado estado) {
     t.estado = estado;
     t.fin = Reloj::now();
+    std::unique_ptr<Conexion> conexion;
+    {
+        std::lock_guard lc(t.mConexion);
+        conexion = std::move(t.conexion);
+    }
     try {
-        if (estado != Estado::Confirmada) t.conexion->revierte();
+        if (estado != Estado::Confirmada) conexion->revierte();
     } catch (const std::exception&) {
-        // La conexión se descarta abajo; el escritor se suelta igual.
-        t.conexion.reset();
+        // La conexión se descarta; el escritor se suelta igual.
+        conexion.reset();
+        pool_.olvida();
     }
     escritor_.suelta();
-    if (t.conexion) pool_.devuelve(std::move(t.conexion));
+    if (conexion) pool_.devuelve(std::move(conexion));
+}
+
+void Transacciones::cierraSiSeDeshizo(Transaccion& t) {
+    if (t.estado == Estado::Activa && t.conexion && !t.conexion->enTransaccion())
+        termina(t, Estado::Revertida);
 }
 
 void Transacciones::usa(const std::string& id, const std::function<void(Conexion&)>& trabajo) {
@@ -90,7 +102,7 @@ void Transacciones::usa(const std::string& id, const std::function<void(Conexion
     } catch (...) {
         // Una sentencia interrumpida por tiempo puede deshacer la transacción entera en SQLite:
         // entonces ya no hay nada abierto y se cierra como revertida.
-        if (!t->conexion->enTransaccion()) termina(*t, Estado::Revertida);
+        cierraSiSeDeshizo(*t);
         throw;
     }
 }
@@ -106,8 +118,11 @@ void Transacciones::confirma(const std::string& id,
         antesDeConfirmar(*t->conexion);
         t->conexion->confirma();
     } catch (...) {
-        // Un COMMIT fallido deja la transacción deshecha: se cierra como revertida.
-        termina(*t, Estado::Revertida);
+        // Lo que falla antes del COMMIT (una clave rechazada) o un COMMIT que no pudo (base
+        // ocupada aun tras reintentar) deja la transacción abierta tal como estaba: el cliente
+        // puede confirmar otra vez o revertir. Solo si SQLite ya la deshizo se cierra.
+        t->ultimoUso = Reloj::now();
+        cierraSiSeDeshizo(*t);
         throw;
     }
     termina(*t, Estado::Confirmada);
@@ -137,35 +152,39 @@ void Transacciones::detiene() {
             todas.push_back(t);
     }
     for (auto& t : todas) {
-        if (t->conexion) t->conexion->interrumpe();
+        {
+            std::lock_guard lc(t->mConexion);
+            if (t->conexion) t->conexion->interrumpe();
+        }
         std::lock_guard lock(t->m);
         if (t->estado == Estado::Activa) termina(*t, Estado::Revertida);
     }
 }
 
-// Revierte las transacciones inactivas y olvida las terminadas hace tiempo.
+// Revierte las transacciones inactivas y olvida las terminadas hace tiempo. El mapa se lee con
+// m_ tomado, pero los ROLLBACK corren sin él: nadie espera a la base para buscar un id.
 void Transacciones::vigila() {
     std::unique_lock lock(m_);
     while (!deteniendo_) {
         cvVigia_.wait_for(lock, std::chrono::milliseconds(200));
         if (deteniendo_) break;
+        std::vector<std::pair<std::string, std::shared_ptr<Transaccion>>> todas(
+            transacciones_.begin(), transacciones_.end());
+        lock.unlock();
         const auto ahora = Reloj::now();
-        for (auto it = transacciones_.begin(); it != transacciones_.end();) {
-            auto& t = it->second;
+        std::vector<std::string> olvidar;
+        for (auto& [id, t] : todas) {
             std::unique_lock lt(t->m, std::try_to_lock);
-            if (!lt.owns_lock()) { // en uso: no está inactiva
-                ++it;
-                continue;
-            }
+            if (!lt.owns_lock()) continue; // en uso: no está inactiva
             if (t->estado == Estado::Activa && ahora - t->ultimoUso > tiempos_.inactividad)
                 termina(*t, Estado::Expirada);
-            if (t->estado != Estado::Activa && ahora - t->fin > tiempos_.memoria) {
-                lt.unlock();
-                it = transacciones_.erase(it);
-            } else {
-                ++it;
-            }
+            if (t->estado != Estado::Activa && ahora - t->fin > tiempos_.memoria)
+                olvidar.push_back(id);
         }
+        todas.clear();
+        lock.lock();
+        for (const auto& id : olvidar)
+            transacciones_.erase(id);
     }
 }
 

@@ -39,7 +39,10 @@ public:
 private:
     enum class Estado { Activa, Confirmada, Revertida, Expirada };
     struct Transaccion {
-        std::mutex m;
+        std::mutex m; // se toma para todo uso de la transacción
+        // Protege solo el puntero "conexion" para interrumpirla desde otro hilo sin esperar a
+        // m (que tiene quien corre la sentencia). Orden: m antes que mConexion.
+        std::mutex mConexion;
         Estado estado = Estado::Activa;
         std::unique_ptr<Conexion> conexion;
         std::chrono::steady_clock::time_point ultimoUso;
@@ -49,6 +52,9 @@ private:
     std::shared_ptr<Transaccion> busca(const std::string& id);
     // Con t->m tomado: cierra la transacción, suelta al escritor y devuelve la conexión.
     void termina(Transaccion& t, Estado estado);
+    // Con t->m tomado, tras un error: si la conexión ya no tiene la transacción abierta (SQLite
+    // la deshizo), la cierra como revertida.
+    void cierraSiSeDeshizo(Transaccion& t);
     void vigila();
 
     PoolConexiones& pool_;

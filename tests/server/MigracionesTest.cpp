@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "schema/Esquema.h"
 #include "server/Migraciones.h"
 #include "server/MotorSqlite.h"
 
@@ -46,7 +47,8 @@ TEST_F(Migraciones, UnaBaseAnteriorRecibeLasMigracionesQueLeFaltan) {
     // Abrir otra vez no vuelve a aplicar nada.
     EXPECT_EQ(preparaBase(*c, false), version);
     EXPECT_EQ(cuenta(*c, "Select count(*) From Estados"), 32);
-    EXPECT_EQ(cuenta(*c, "Select count(*) From cajaplex_version_esquema"), version);
+    EXPECT_EQ(cuenta(*c, "Select count(*) From cajaplex_version_esquema"),
+              static_cast<int64_t>(cajaplex::esquema::migraciones().size()));
 }
 
 TEST_F(Migraciones, LaDemostracionSoloEntraEnUnaBaseSinEmpresas) {
