@@ -1,7 +1,6 @@
 #include "catalog/CatalogoProductos.h"
 
 #include <cmath>
-#include <stdexcept>
 
 #include <QLocale>
 
@@ -57,6 +56,9 @@ const char* const SqlTieneTransacciones =
     "(clave = :Clave or producto = :ProductoID)) "
     "or Exists (Select 1 From ProductosPaquetes Where empresaID = :EmpresaID and clave = :Clave) "
     "Then 1 Else 0 End as TieneTransacciones";
+
+const char* const SqlClaveActual = "Select clave, producto From Productos "
+                                   "Where empresaID = :EmpresaID and ID = :ProductoID";
 
 // Lo que se va con el producto. Primero el producto: si otra estación ya lo borró no se toca
 // nada más.
@@ -126,7 +128,7 @@ void ModeloProductos::asigna(const Registros& registros) {
     const int cManeja = columna(columnas, QStringLiteral("manejaInventarios"));
     const int cPrecio = columna(columnas, QStringLiteral("Precio1"));
     for (int c : {cID, cClave, cProducto, cExistencia, cUnidad, cManeja, cPrecio})
-        if (c < 0) throw std::logic_error("El listado de productos no trae todas sus columnas");
+        if (c < 0) throw ErrorProgramacion("El listado de productos no trae todas sus columnas");
 
     std::vector<ProductoListado> productos;
     productos.reserve(static_cast<size_t>(registros.numeroRegistros()));
@@ -223,9 +225,19 @@ ResultadoBorrarProducto borraProducto(ConexionBD& conexion, const Sesion& sesion
         c.parametro(QStringLiteral("ProductoID")).entero(producto.id);
     };
     Transaccion t(conexion);
+    // La clave actual, no la del listado: otra estación pudo cambiarla después de cargarlo y los
+    // documentos la nombran por la de ahora. Dentro de la transacción ya nadie la cambia.
+    Consulta actual(conexion, QString::fromUtf8(SqlClaveActual));
+    asigna(actual);
+    actual.abre(t);
+    if (actual.numeroRegistros() == 0) return ResultadoBorrarProducto::Eliminado; // ya no estaba
+    ProductoListado vigente = producto;
+    vigente.clave = actual.campo(QStringLiteral("clave")).comoTexto();
+    vigente.producto = actual.campo(QStringLiteral("producto")).comoTexto();
+
     Consulta revisa(conexion, QString::fromUtf8(SqlTieneTransacciones));
     asigna(revisa);
-    revisa.parametro(QStringLiteral("Clave")).texto(producto.clave);
+    revisa.parametro(QStringLiteral("Clave")).texto(vigente.clave);
     revisa.abre(t);
     if (revisa.campo(QStringLiteral("TieneTransacciones")).comoEntero() != 0)
         return ResultadoBorrarProducto::ConTransacciones;
@@ -245,7 +257,7 @@ ResultadoBorrarProducto borraProducto(ConexionBD& conexion, const Sesion& sesion
         lote, sesion,
         {tipoAuditoria::Cancelacion,
          QString::fromUtf8(ModuloCatalogoProductos),
-         QStringLiteral("Producto: ") + producto.clave + QLatin1Char(' ') + producto.producto,
+         QStringLiteral("Producto: ") + vigente.clave + QLatin1Char(' ') + vigente.producto,
          {},
          QStringLiteral("Producto eliminado")});
     lote.ejecuta(t);

@@ -1,6 +1,5 @@
 #include "catalog/ComposicionKits.h"
 
-#include <stdexcept>
 #include <utility>
 
 #include <QStringList>
@@ -19,6 +18,9 @@ const char* const SqlInsertaComponente =
     " Insert into ProductosPaquetes (id, posicion, clave, empresaID, cantidad, compuestoBase, "
     "seleccionado)"
     " Values (:id, :posicion, :clave, :empresaID, :cantidad, :compuestoBase, :seleccionado)";
+
+const char* const SqlKitVigente = "Select ID From Productos Where empresaID = :EmpresaID "
+                                  "and ID = :KitID and ifnull(esPaquete, 0) = 1";
 
 // Lo mismo que trae un renglón de la composición, para un producto que se agrega.
 const char* const SqlProductoDisponible =
@@ -151,7 +153,7 @@ CatalogoKits::CatalogoKits(ConexionBD& conexion, const Sesion& sesion)
 
 QString CatalogoKits::sinKits(const QString& sqlListado) {
     const auto orden = sqlListado.lastIndexOf(kOrdenListado);
-    if (orden < 0) throw std::logic_error("El listado de productos no termina en su orden");
+    if (orden < 0) throw ErrorProgramacion("El listado de productos no termina en su orden");
     QString sql = sqlListado;
     sql.insert(orden, kFiltroSinKits);
     return sql;
@@ -240,6 +242,16 @@ std::optional<ComponenteKit> CatalogoKits::productoPorClave(const QString& clave
 
 void CatalogoKits::guarda(const KitListado& kit, const std::vector<ComponenteKit>& componentes,
                           const std::vector<ComponenteKit>& anteriores) {
+    // Otra estación pudo eliminar el kit (con su composición) mientras se armaba la lista: se
+    // revisa dentro de la misma transacción que escribe, para no dejar renglones huérfanos.
+    Transaccion t(conexion_);
+    Consulta existe(conexion_, QString::fromUtf8(SqlKitVigente));
+    existe.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
+    existe.parametro(QStringLiteral("KitID")).entero(kit.id);
+    existe.abre(t);
+    if (existe.numeroRegistros() == 0)
+        throw RegistroInexistente(QString::fromUtf8(MensajeKitEliminado));
+
     Lote lote(conexion_);
     lote.agrega(Consulta(conexion_, QStringLiteral(" Delete From ProductosPaquetes") +
                                         QStringLiteral(" Where empresaID =") +
@@ -263,7 +275,8 @@ void CatalogoKits::guarda(const KitListado& kit, const std::vector<ComponenteKit
                        textoComposicion(kit, componentes),
                        anteriores.empty() ? QString() : textoComposicion(kit, anteriores),
                        {}});
-    lote.ejecuta();
+    lote.ejecuta(t);
+    t.confirma();
 }
 
 } // namespace cajaplex

@@ -16,6 +16,10 @@ class ConexionBD;
 
 // Módulo con que la composición de los kits firma la bitácora.
 inline constexpr const char* ModuloKits = "Catálogos -> Kits";
+// Lo que ve el usuario cuando otra estación eliminó el kit (o dejó de ser kit) mientras lo
+// componía.
+inline constexpr const char* MensajeKitEliminado =
+    "El Kit ya no existe; otra estación lo eliminó. No se guardó nada.";
 
 // Un renglón de la lista de trabajo KitDetalles: un componente del kit con lo que se muestra de
 // él. ID es el del producto componente; Producto, su descripción.
@@ -98,7 +102,8 @@ public:
     std::optional<ComponenteKit> producto(int64_t productoID);
     std::optional<ComponenteKit> productoPorClave(const QString& clave);
     // Reemplaza la composición entera: borra la del kit y da de alta la lista en su orden, con
-    // su bitácora, en una sola transacción.
+    // su bitácora, en una sola transacción. Si el kit ya no existe (o ya no es kit) lanza
+    // RegistroInexistente (MensajeKitEliminado) y no guarda nada.
     void guarda(const KitListado& kit, const std::vector<ComponenteKit>& componentes,
                 const std::vector<ComponenteKit>& anteriores);
 

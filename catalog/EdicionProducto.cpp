@@ -72,7 +72,7 @@ const char* const SqlProductoIDInsertado = "select last_insert_rowid() as id";
 const char* const SqlActualizaProducto =
     "Update Productos\n"
     "Set clave = :clave, producto = :producto, unidad = :unidad, moneda = :moneda, "
-    "claveSAT = :claveSAT, existencia = :existencia, pCompra = :pCompra, "
+    "claveSAT = :claveSAT, pCompra = :pCompra, "
     "manejaInventarios = :manejaInventarios, requiereAutorizacionVenta = "
     ":requiereAutorizacionVenta, manejaSeries = :manejaSeries, esPaquete = :esPaquete, "
     "Recurrente = :Recurrente, caduca = :caduca, MostrarKioskoPV = :MostrarKioskoPV, "
@@ -84,6 +84,13 @@ const char* const SqlActualizaProducto =
     "Peso = :Peso, activo = :activo\n"
     "Where empresaID = :EmpresaID\n"
     "and id = :ProductoID";
+
+// La existencia nunca se reescribe desde el editor: otra estación pudo vender mientras estaba
+// abierto. Lo que el usuario cambió se guarda como diferencia sobre la existencia de ese momento.
+const char* const SqlAjustaExistencia = "Update Productos\n"
+                                        "Set existencia = ifnull(existencia, 0) + :diferencia\n"
+                                        "Where empresaID = :EmpresaID\n"
+                                        "and id = :ProductoID";
 
 const char* const SqlRegistrarFotoProducto = "Insert Into ProductosFotos (ID, Posicion, Foto, "
                                              "Miniatura)\n"
@@ -110,6 +117,7 @@ EdicionProducto::EdicionProducto(ConexionBD& conexion, const Sesion& sesion)
       ValidaClaveProducto(conexion, QString::fromUtf8(SqlValidaClaveProducto)),
       RegistraProducto(conexion, QString::fromUtf8(SqlRegistraProducto)),
       ActualizaProducto(conexion, QString::fromUtf8(SqlActualizaProducto)),
+      AjustaExistencia(conexion, QString::fromUtf8(SqlAjustaExistencia)),
       ProductoIDInsertado(conexion, QString::fromUtf8(SqlProductoIDInsertado)),
       RegistrarFotoProducto(conexion, QString::fromUtf8(SqlRegistrarFotoProducto)),
       ActualizaFoto(conexion, QString::fromUtf8(SqlActualizaFoto)),
@@ -234,7 +242,6 @@ void EdicionProducto::asignaColumnas(Consulta& c, const ProductoEditado& p) {
     c.parametro(QStringLiteral("unidad")).entero(p.unidad);
     c.parametro(QStringLiteral("moneda")).entero(p.moneda);
     texto("claveSAT", p.claveSAT.trimmed());
-    real("existencia", p.existencia);
     real("pCompra", p.pCompra);
     bandera("manejaInventarios", p.manejaInventarios);
     bandera("requiereAutorizacionVenta", p.requiereAutorizacionVenta);
@@ -266,8 +273,10 @@ int64_t EdicionProducto::guarda(const ProductoEditado& p, const FotoEditada& fot
                                 const ProductoEditado& anterior) {
     Transaccion t(conexion_);
     int64_t id = p.id;
+    double diferencia = 0.0;
     if (p.esNuevo()) {
         asignaColumnas(RegistraProducto, p);
+        RegistraProducto.parametro(QStringLiteral("existencia")).real(p.existencia);
         RegistraProducto.parametro(QStringLiteral("empresaID")).entero(sesion_.EmpresaID);
         RegistraProducto.parametro(QStringLiteral("linea")).entero(p.linea);
         RegistraProducto.parametro(QStringLiteral("usuarioID")).entero(sesion_.UsuarioID);
@@ -280,6 +289,17 @@ int64_t EdicionProducto::guarda(const ProductoEditado& p, const FotoEditada& fot
         ActualizaProducto.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
         ActualizaProducto.parametro(QStringLiteral("ProductoID")).entero(p.id);
         ActualizaProducto.ejecuta(t);
+        // Dentro de la transacción nadie más escribe: si no tocó ningún renglón, otra estación
+        // lo eliminó. Se revierte sin guardar foto ni bitácora.
+        if (ActualizaProducto.filasAfectadas() == 0)
+            throw RegistroInexistente(QString::fromUtf8(MensajeProductoEliminado));
+        diferencia = diferenciaExistencia(p, anterior);
+        if (diferencia != 0.0) {
+            AjustaExistencia.parametro(QStringLiteral("diferencia")).real(diferencia);
+            AjustaExistencia.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
+            AjustaExistencia.parametro(QStringLiteral("ProductoID")).entero(p.id);
+            AjustaExistencia.ejecuta(t);
+        }
     }
 
     if (foto.cambiada) {
@@ -314,12 +334,24 @@ int64_t EdicionProducto::guarda(const ProductoEditado& p, const FotoEditada& fot
     if (foto.cambiada)
         comentarios += foto.foto.isEmpty() ? QStringLiteral(", foto eliminada")
                                            : QStringLiteral(", foto asignada");
+    if (diferencia != 0.0)
+        comentarios += QStringLiteral(", existencia ajustada en ") +
+                       (diferencia > 0 ? QStringLiteral("+") : QString()) +
+                       textoDecimal(diferencia);
     Auditoria::registra(t, sesion_,
                         {p.esNuevo() ? tipoAuditoria::Insercion : tipoAuditoria::Actualizacion,
                          QString::fromUtf8(ModuloCatalogoProductos), textoProducto(guardado),
                          p.esNuevo() ? QString() : textoProducto(anterior), comentarios});
     t.confirma();
     return id;
+}
+
+double diferenciaExistencia(const ProductoEditado& capturado, const ProductoEditado& leido) {
+    // Sin el producto como se leyó no hay de qué calcular: la existencia no se toca.
+    if (capturado.esNuevo() || leido.id != capturado.id) return 0.0;
+    // Lo que el campo muestra tiene a lo más seis decimales: menos que eso no es un cambio.
+    const double diferencia = Redondea(capturado.existencia - leido.existencia, 6);
+    return std::abs(diferencia) < 1e-9 ? 0.0 : diferencia;
 }
 
 double decimalDeTexto(const QString& texto) {

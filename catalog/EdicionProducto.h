@@ -16,6 +16,10 @@ namespace cajaplex {
 
 class ConexionBD;
 
+// Lo que ve el usuario cuando otra estación eliminó el producto que editaba.
+inline constexpr const char* MensajeProductoEliminado =
+    "El Producto ya no existe; otra estación lo eliminó. No se guardó nada.";
+
 // Un renglón de Productos como lo captura el editor. id 0: producto nuevo.
 struct ProductoEditado {
     int64_t id = 0;
@@ -25,6 +29,8 @@ struct ProductoEditado {
     int64_t unidad = 0; // 0: sin elegir
     int64_t moneda = 0; // 0: sin elegir
     QString claveSAT;
+    // En un alta, la existencia inicial. En un cambio nunca se escribe tal cual: se guarda la
+    // diferencia con la que se leyó al abrir (diferenciaExistencia) sobre la existencia actual.
     double existencia = 0.0;
     double pCompra = 0.0;
     bool manejaInventarios = false;
@@ -95,7 +101,11 @@ public:
     std::optional<QString> revisa(const ProductoEditado& producto);
 
     // Alta o cambio del producto, su foto y su bitácora en una sola transacción. `anterior` es el
-    // producto como se leyó (para la bitácora de un cambio). Devuelve el ID del producto.
+    // producto como se leyó: para la bitácora y para la existencia, que en un cambio se guarda
+    // como ajuste (existencia = existencia + diferencia) solo si el usuario la cambió; así no
+    // deshace lo que otra estación vendió o recibió mientras el editor estaba abierto. Si otra
+    // estación eliminó el producto lanza RegistroInexistente (MensajeProductoEliminado) y no
+    // guarda nada. Devuelve el ID del producto.
     int64_t guarda(const ProductoEditado& producto, const FotoEditada& foto,
                    const ProductoEditado& anterior = {});
 
@@ -105,6 +115,7 @@ public:
     Consulta ValidaClaveProducto;
     Consulta RegistraProducto;
     Consulta ActualizaProducto;
+    Consulta AjustaExistencia;
     Consulta ProductoIDInsertado;
     Consulta RegistrarFotoProducto;
     Consulta ActualizaFoto;
@@ -117,6 +128,10 @@ private:
     const Sesion& sesion_;
     ValoresEmpresa valores_;
 };
+
+// Lo que el usuario cambió la existencia de un producto que ya existía: 0 en un alta, sin cambio
+// o si `leido` no es ese mismo producto como se leyó.
+double diferenciaExistencia(const ProductoEditado& capturado, const ProductoEditado& leido);
 
 // Lo tecleado en un campo decimal, como se guarda: vacío es 0; acepta separadores de miles.
 double decimalDeTexto(const QString& texto);

@@ -12,7 +12,7 @@
 #include <QPushButton>
 #include <QScroller>
 #include <QStackedWidget>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtDebug>
@@ -34,23 +34,9 @@ const QStringList kTitulosPaso = {
     QStringLiteral("Seleccione Línea"), QStringLiteral("Indique Valor de Referencia"),
     QStringLiteral("Establezca Porcentajes de Incremento"), QStringLiteral("Vista Previa")};
 
-QTableWidgetItem* celda(const QString& texto, Qt::Alignment alineacion = Qt::AlignLeft) {
-    auto* item = new QTableWidgetItem(texto);
-    item->setTextAlignment(alineacion | Qt::AlignVCenter);
-    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-    return item;
-}
-
-// El importe con dos decimales a la vista; el valor completo en Qt::UserRole.
-QTableWidgetItem* celdaImporte(double valor, bool destacado = false) {
-    QTableWidgetItem* item = celda(textoPrecio(valor), Qt::AlignRight);
-    item->setData(Qt::UserRole, valor);
-    if (destacado) {
-        QFont letra = item->font();
-        letra.setBold(true);
-        item->setFont(letra);
-    }
-    return item;
+ModeloTabla::Columna importe(const QString& titulo, std::function<double(int)> valor,
+                             bool destacado = false) {
+    return ModeloTabla::numerica(titulo, std::move(valor), textoPrecio, destacado);
 }
 
 } // namespace
@@ -196,29 +182,30 @@ QWidget* TIncrementoPreciosF::creaPaginaVistaPrevia() {
     pagina->setObjectName(QStringLiteral("VistaPrevia"));
     resumen_ = creaEtiqueta({}, QStringLiteral("ResumenIncremento"), "subtitulo", pagina);
 
-    QStringList columnas{QStringLiteral("Clave"), QStringLiteral("Descripción"),
-                         QStringLiteral("Unidad"), QStringLiteral("Costo")};
-    for (int i = 1; i <= NivelesPrecio; ++i)
-        columnas << QStringLiteral("Precio ") + QString::number(i)
-                 << QStringLiteral("Nuevo ") + QString::number(i);
-    productos_ = new QTableWidget(0, static_cast<int>(columnas.size()), pagina);
-    productos_->setObjectName(QStringLiteral("Productos"));
-    productos_->setHorizontalHeaderLabels(columnas);
-    productos_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    productos_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    productos_->setSelectionMode(QAbstractItemView::SingleSelection);
-    productos_->setAlternatingRowColors(true);
-    productos_->setWordWrap(false);
-    productos_->verticalHeader()->hide();
-    productos_->verticalHeader()->setDefaultSectionSize(kAltoRenglon);
-    productos_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    QScroller::grabGesture(productos_->viewport(), QScroller::LeftMouseButtonGesture);
+    auto producto = [this](int fila) -> const ProductoIncremento& {
+        return vista_[static_cast<size_t>(fila)];
+    };
+    std::vector<ModeloTabla::Columna> columnas = {
+        {QStringLiteral("Clave"), [producto](int f) { return producto(f).clave; }},
+        {QStringLiteral("Descripción"), [producto](int f) { return producto(f).producto; }},
+        {QStringLiteral("Unidad"), [producto](int f) { return producto(f).unidad; }},
+        importe(QStringLiteral("Costo"), [producto](int f) { return producto(f).costo; })};
+    for (size_t i = 0; i < NivelesPrecio; ++i) {
+        const QString nivel = QString::number(i + 1);
+        columnas.push_back(importe(QStringLiteral("Precio ") + nivel,
+                                   [producto, i](int f) { return producto(f).precios[i]; }));
+        columnas.push_back(importe(
+            QStringLiteral("Nuevo ") + nivel,
+            [producto, i](int f) { return producto(f).nuevos[i]; }, true));
+    }
+    modelo_ = new ModeloTabla(std::move(columnas), this);
+    productos_ = creaVistaTabla(QStringLiteral("Productos"), modelo_, kAltoRenglon, pagina);
     QHeaderView* encabezado = productos_->horizontalHeader();
     encabezado->setSectionResizeMode(QHeaderView::Fixed);
     encabezado->setSectionResizeMode(1, QHeaderView::Stretch);
     productos_->setColumnWidth(0, 70);
     productos_->setColumnWidth(2, 80);
-    for (int c = 3; c < productos_->columnCount(); ++c)
+    for (int c = 3; c < modelo_->columnCount(); ++c)
         productos_->setColumnWidth(c, 82);
 
     pie_ = creaEtiqueta(QStringLiteral("Total Productos: 0"), QStringLiteral("PieProductos"), "pie",
@@ -327,20 +314,22 @@ void TIncrementoPreciosF::GrupoBotonSiguienteClick() {
 void TIncrementoPreciosF::CargaVistaPreviaTimer(const Solicitud& solicitud) {
     Consulta vista(ModuloDeDatos.ConexionBD,
                    sqlVistaPreviaIncremento(sesion_.EmpresaID, solicitud.lineaID));
+    std::vector<ProductoIncremento> productos;
     try {
         vista.abre();
+        productos =
+            vistaPreviaIncremento(vista.registros(), solicitud.referencia, solicitud.porcentajes);
     } catch (const ErrorServicio& e) {
         error(QString::fromUtf8(MensajeErrorLectura));
         qWarning() << "Incremento de Precios, vista previa:" << e.mensaje();
         return;
     }
-    if (vista.numeroRegistros() == 0) {
+    if (productos.empty()) {
         error(QStringLiteral("No hay productos para incrementar precios"));
         return;
     }
     solicitud_ = solicitud;
-    llenaVistaPrevia(
-        vistaPreviaIncremento(vista.registros(), solicitud.referencia, solicitud.porcentajes));
+    llenaVistaPrevia(std::move(productos));
     QStringList textos;
     for (const double p : solicitud.porcentajes)
         textos << QLocale::c().toString(p, 'f', 2) + QLatin1Char('%');
@@ -351,24 +340,10 @@ void TIncrementoPreciosF::CargaVistaPreviaTimer(const Solicitud& solicitud) {
     muestraPagina(PaginaVistaPrevia);
 }
 
-void TIncrementoPreciosF::llenaVistaPrevia(const std::vector<ProductoIncremento>& productos) {
-    productos_->clearContents();
-    productos_->setRowCount(static_cast<int>(productos.size()));
-    int fila = 0;
-    for (const ProductoIncremento& p : productos) {
-        productos_->setItem(fila, 0, celda(p.clave));
-        productos_->setItem(fila, 1, celda(p.producto));
-        productos_->setItem(fila, 2, celda(p.unidad));
-        productos_->setItem(fila, 3, celdaImporte(p.costo));
-        for (size_t i = 0; i < p.precios.size(); ++i) {
-            const int columna = 4 + 2 * static_cast<int>(i);
-            productos_->setItem(fila, columna, celdaImporte(p.precios[i]));
-            productos_->setItem(fila, columna + 1, celdaImporte(p.nuevos[i], true));
-        }
-        ++fila;
-    }
+void TIncrementoPreciosF::llenaVistaPrevia(std::vector<ProductoIncremento> productos) {
+    const int cuantos = modelo_->reemplaza(vista_, std::move(productos));
     productos_->scrollToTop();
-    pie_->setText(QStringLiteral("Total Productos: ") + QString::number(productos.size()));
+    pie_->setText(QStringLiteral("Total Productos: ") + QString::number(cuantos));
 }
 
 void TIncrementoPreciosF::ActualizaPreciosTimer() {
@@ -383,8 +358,7 @@ void TIncrementoPreciosF::ActualizaPreciosTimer() {
         return;
     }
     solicitud_.reset();
-    productos_->setRowCount(0);
-    pie_->setText(QStringLiteral("Total Productos: 0"));
+    llenaVistaPrevia({});
     mensajes_.muestra(QStringLiteral("Proceso finalizado con Éxito"));
     muestraPagina(PaginaLinea);
 }

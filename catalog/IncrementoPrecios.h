@@ -12,13 +12,14 @@
 #include "catalog/PreciosProductos.h"
 #include "datos/Sesion.h"
 #include "pantallas/Mensajes.h"
+#include "pantallas/ModeloTabla.h"
 
 class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QStackedWidget;
-class QTableWidget;
+class QTableView;
 class QTreeWidget;
 
 namespace cajaplex {
@@ -67,12 +68,14 @@ private:
     // Vacío si ningún nivel trae un por ciento distinto de cero.
     std::optional<PorcentajesIncremento> porcentajesTecleados() const;
     void muestraPagina(int pagina);
-    void llenaVistaPrevia(const std::vector<ProductoIncremento>& productos);
+    void llenaVistaPrevia(std::vector<ProductoIncremento> productos);
     void error(const QString& mensaje);
 
     const Sesion& sesion_;
     Mensajes mensajes_{this};
     std::optional<Solicitud> solicitud_;
+    std::vector<ProductoIncremento> vista_; // lo que lee modelo_
+    ModeloTabla* modelo_ = nullptr;
 
     QLabel* tituloPaso_;                                  // "TituloPaso"
     QLabel* numeroPaso_;                                  // "NumeroPaso"
@@ -81,7 +84,7 @@ private:
     QListWidget* referencias_;                            // "ValoresReferencia"
     std::array<QLineEdit*, NivelesPrecio> porcentajes_{}; // "PorcentajePrecio1" ...
     QLabel* resumen_;                                     // "ResumenIncremento"
-    QTableWidget* productos_;                             // "Productos"
+    QTableView* productos_;                               // "Productos"
     QLabel* pie_;                                         // "PieProductos"
     QPushButton* anterior_;                               // "GrupoBotonAnterior"
     QPushButton* siguiente_;                              // "GrupoBotonSiguiente"

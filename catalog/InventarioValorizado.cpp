@@ -7,6 +7,7 @@
 
 #include "datos/Consulta.h"
 #include "datos/Registros.h"
+#include "pantallas/LectorRenglones.h"
 
 namespace cajaplex {
 namespace {
@@ -57,18 +58,23 @@ ValorInventario consultaValorInventario(ConexionDatos& conexion, int64_t empresa
     Consulta consulta(conexion, QString::fromUtf8(SqlValorInventario));
     consulta.parametro(QStringLiteral("empresaID")).entero(empresaID);
     consulta.abre();
+    const LectorRenglones lector(consulta.registros());
+    const auto [cClave, cProducto, cUnidad, cLinea, cCosto, cExistencia] =
+        lector.columnas({"Clave", "Producto", "Unidad", "linea", "pCompra", "existencia"});
+    const auto cValores = lector.columnas(ColumnasValor);
+
     ValorInventario inventario;
-    inventario.renglones.reserve(static_cast<size_t>(consulta.numeroRegistros()));
-    for (const Registro r : consulta) {
+    inventario.renglones.reserve(lector.renglones());
+    for (size_t f = 0; f < lector.renglones(); ++f) {
         RenglonValorInventario renglon;
-        renglon.clave = r.campo(QStringLiteral("Clave")).comoTexto();
-        renglon.producto = r.campo(QStringLiteral("Producto")).comoTexto();
-        renglon.unidad = r.campo(QStringLiteral("Unidad")).comoTexto();
-        renglon.linea = r.campo(QStringLiteral("linea")).comoTexto();
-        renglon.costo = r.campo(QStringLiteral("pCompra")).comoReal();
-        renglon.existencia = r.campo(QStringLiteral("existencia")).comoReal();
+        renglon.clave = lector.campo(f, cClave).comoTexto();
+        renglon.producto = lector.campo(f, cProducto).comoTexto();
+        renglon.unidad = lector.campo(f, cUnidad).comoTexto();
+        renglon.linea = lector.campo(f, cLinea).comoTexto();
+        renglon.costo = lector.campo(f, cCosto).comoReal();
+        renglon.existencia = lector.campo(f, cExistencia).comoReal();
         for (size_t i = 0; i < renglon.valores.size(); ++i) {
-            renglon.valores[i] = r.campo(QString::fromLatin1(ColumnasValor[i])).comoReal();
+            renglon.valores[i] = lector.campo(f, cValores[i]).comoReal();
             inventario.totales[i] += renglon.valores[i];
         }
         inventario.renglones.push_back(std::move(renglon));

@@ -29,6 +29,7 @@
 
 #include "catalog/ArbolLineas.h"
 #include "catalog/CatalogoProductos.h"
+#include "datos/ControlAcceso.h"
 #include "datos/ModuloDatos.h"
 #include "pantallas/DelegadoRenglon.h"
 #include "pantallas/HojaEstilo.h"
@@ -374,8 +375,8 @@ void TKitsF::LineasItemClick(QTreeWidgetItem* item) {
     if (!item) return;
     Sonidos::reproduce(Sonido::Click);
     tituloDisponibles_->setText(item->text(0));
-    const QString sql = CatalogoKits::sinKits(
-        sqlProductosXLinea(sesion_.EmpresaID, item->data(0, RolLineaID).toLongLong()));
+    const QString sql =
+        sqlProductosXLinea(sesion_.EmpresaID, item->data(0, RolLineaID).toLongLong());
     ejecutaConLeyenda(this, QStringLiteral("Cargando Productos"),
                       [this, sql] { CargaDisponiblesTimer(sql); });
 }
@@ -384,21 +385,25 @@ void TKitsF::BuscarProductoReturnPressed() {
     Sonidos::reproduce(Sonido::Click);
     const QString texto = buscarProducto_->text().trimmed();
     tituloDisponibles_->setText(QStringLiteral("Búsqueda: ") + texto);
-    const QString sql = CatalogoKits::sinKits(sqlBusquedaProductos(sesion_.EmpresaID, texto));
+    const QString sql = sqlBusquedaProductos(sesion_.EmpresaID, texto);
     ejecutaConLeyenda(this, QStringLiteral("Cargando Productos"),
                       [this, sql] { CargaDisponiblesTimer(sql); });
 }
 
 void TKitsF::CargaDisponiblesTimer(const QString& sql) {
-    ListadoProductos.asignaSql(sql);
     try {
+        // Sin los kits (un kit no se compone de kits); dentro del try: un listado que no termina
+        // en su orden es un error de programación, que se muestra como falla de lectura.
+        ListadoProductos.asignaSql(CatalogoKits::sinKits(sql));
         ListadoProductos.abre();
+        // También lanza (ErrorProgramacion) si al listado le falta una columna.
+        disponibles_->asigna(ListadoProductos.registros());
     } catch (const ErrorServicio& e) {
+        ListadoProductos.cierra();
         error(QString::fromUtf8(MensajeErrorLectura));
         qWarning() << "Kits, disponibles:" << e.mensaje();
         return;
     }
-    disponibles_->asigna(ListadoProductos.registros());
     ListadoProductos.cierra();
     if (disponibles_->rowCount() == 0) error(kSinRegistros);
 }
@@ -548,8 +553,26 @@ void TKitsF::BotonAlmacenarClick() {
 
 void TKitsF::AlmacenaKitTimer(int tipoOperacion) {
     if (!kit_) return;
+    // Como el editor de productos y el monedero: solo una estación autorizada guarda.
+    bool autorizado = false;
+    try {
+        autorizado = dispositivoAutorizado(ModuloDeDatos.ConexionBD, sesion_.DispositivoID);
+    } catch (const ErrorServicio& e) {
+        error(QString::fromUtf8(MensajeErrorLectura));
+        qWarning() << "Kits, dispositivo:" << e.mensaje();
+        return;
+    }
+    if (!autorizado) {
+        error(QString::fromUtf8(MensajeDispositivoNoAutorizado) + sesion_.DispositivoID);
+        return;
+    }
     try {
         catalogo_.guarda(*kit_, detalles_->componentes(), anteriores_);
+    } catch (const RegistroInexistente& e) {
+        // Otra estación eliminó el kit: no se guardó nada; la lista de trabajo se queda.
+        error(e.mensaje());
+        qWarning() << "Kits, almacenar:" << e.mensaje() << kit_->id;
+        return;
     } catch (const ErrorServicio& e) {
         // La lista de trabajo se queda para reintentar.
         error(QString::fromUtf8(MensajeErrorRegistro));

@@ -68,6 +68,7 @@ private:
 
     void CargaInformacionTimer();
     void CargaComponentesTimer(const KitListado& kit);
+    // `sql`: un listado de CatalogoProductos.h; aquí se le quitan los kits.
     void CargaDisponiblesTimer(const QString& sql);
     void AgregaProductoTimer(int64_t productoID);
     void AgregaClaveTimer(const QString& clave);

@@ -8,6 +8,7 @@
 #include "datos/Registros.h"
 #include "datos/Transaccion.h"
 #include "datos/Utilerias.h"
+#include "pantallas/LectorRenglones.h"
 
 namespace cajaplex {
 namespace {
@@ -112,18 +113,22 @@ QString sqlIncrementoPrecios(int64_t empresaID, int64_t lineaID, ReferenciaPreci
 std::vector<ProductoIncremento> vistaPreviaIncremento(const Registros& registros,
                                                       ReferenciaPrecio referencia,
                                                       const PorcentajesIncremento& porcentajes) {
+    const LectorRenglones lector(registros);
+    const auto [cID, cClave, cProducto, cUnidad, cCosto] =
+        lector.columnas({"ID", "Clave", "producto", "unidad", "pCompra"});
+    const auto cPrecios = lector.columnas({"Precio1", "Precio2", "Precio3", "Precio4", "Precio5"});
+
     std::vector<ProductoIncremento> productos;
-    productos.reserve(static_cast<size_t>(registros.numeroRegistros()));
-    for (const Registro r : registros) {
+    productos.reserve(lector.renglones());
+    for (size_t f = 0; f < lector.renglones(); ++f) {
         ProductoIncremento p;
-        p.id = r.campo(QStringLiteral("ID")).comoEntero();
-        p.clave = r.campo(QStringLiteral("Clave")).comoTexto();
-        p.producto = r.campo(QStringLiteral("producto")).comoTexto();
-        p.unidad = r.campo(QStringLiteral("unidad")).comoTexto();
-        p.costo = r.campo(QStringLiteral("pCompra")).comoReal();
-        for (int i = 0; i < NivelesPrecio; ++i)
-            p.precios[static_cast<size_t>(i)] =
-                r.campo(QStringLiteral("Precio") + QString::number(i + 1)).comoReal();
+        p.id = lector.campo(f, cID).comoEntero();
+        p.clave = lector.campo(f, cClave).comoTexto();
+        p.producto = lector.campo(f, cProducto).comoTexto();
+        p.unidad = lector.campo(f, cUnidad).comoTexto();
+        p.costo = lector.campo(f, cCosto).comoReal();
+        for (size_t i = 0; i < p.precios.size(); ++i)
+            p.precios[i] = lector.campo(f, cPrecios[i]).comoReal();
         const double base = referencia == ReferenciaPrecio::Costo
                                 ? p.costo
                                 : p.precios[static_cast<size_t>(referencia) - 1];

@@ -541,6 +541,8 @@ void TProductosF::CargaProductosTimer(const QString& sql, const QString& titulo,
     ListadoProductos.asignaSql(sql);
     try {
         ListadoProductos.abre();
+        // Dentro del try: si al listado le falta una columna es ErrorProgramacion.
+        modelo_->asigna(ListadoProductos.registros());
     } catch (const ErrorServicio& e) {
         error(QString::fromUtf8(MensajeErrorLectura));
         qWarning() << "Catálogo de Productos, listado:" << e.mensaje();
@@ -553,7 +555,6 @@ void TProductosF::CargaProductosTimer(const QString& sql, const QString& titulo,
     }
     ++secuenciaFiltro_;
     filtro_->filtra({});
-    modelo_->asigna(ListadoProductos.registros());
     ListadoProductos.cierra(); // los renglones ya viven en el modelo
     sqlListado_ = sql;
     tituloListado_ = titulo;

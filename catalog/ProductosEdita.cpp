@@ -222,6 +222,15 @@ QWidget* TProductosEditaF::creaPaginaDatos() {
 
     grupo(QStringLiteral("Operativos"));
     item(QStringLiteral("Existencia"), existencia_ = decimal(true), QStringLiteral("existencia"));
+    if (!esNuevo()) {
+        // Otra estación puede vender mientras el editor está abierto: lo tecleado aquí no
+        // reemplaza la existencia, se suma o resta como ajuste a la que haya al guardar.
+        auto* nota = creaEtiqueta(QString::fromUtf8(LeyendaAjusteExistencia),
+                                  QStringLiteral("NotaExistencia"), nullptr, tarjeta);
+        nota->setWordWrap(true);
+        rejilla->addWidget(nota, fila, 1);
+        ++fila;
+    }
     item(QStringLiteral("Costo"), pCompra_ = decimal(), QStringLiteral("pCompra"));
 
     grupo(QStringLiteral("Banderas"));
@@ -490,6 +499,7 @@ void TProductosEditaF::CargaInformacionTimer() {
         }
         leido_ = consultado->producto;
         muestraProducto(leido_);
+        existenciaMostrada_ = existencia_->text();
         fotoGuardada_ = !consultado->foto.isEmpty();
         if (fotoGuardada_) foto_.loadFromData(consultado->foto);
         muestraFoto();
@@ -538,7 +548,10 @@ ProductoEditado TProductosEditaF::productoCapturado() const {
     p.unidad = datoElegido(unidad_);
     p.moneda = datoElegido(moneda_);
     p.claveSAT = claveSAT_->text();
-    p.existencia = decimalDeTexto(existencia_->text());
+    // Sin tocar el campo, la existencia es la leída: no hay ajuste que guardar.
+    p.existencia = !esNuevo() && existencia_->text() == existenciaMostrada_
+                       ? leido_.existencia
+                       : decimalDeTexto(existencia_->text());
     p.pCompra = decimalDeTexto(pCompra_->text());
     p.manejaInventarios = manejaInventarios_->isChecked();
     p.requiereAutorizacionVenta = requiereAutorizacionVenta_->isChecked();
@@ -612,6 +625,11 @@ void TProductosEditaF::ModificaProductoTimer() {
     int64_t id = 0;
     try {
         id = edicion_.guarda(p, foto, leido_);
+    } catch (const RegistroInexistente& e) {
+        // Otra estación lo eliminó: no hay a dónde guardar; el editor se queda para copiarlo.
+        error(e.mensaje());
+        qWarning() << "Edición de Producto, al guardar:" << e.mensaje() << productoID_;
+        return;
     } catch (const ErrorServicio& e) {
         siguiente_->setEnabled(true);
         error(QString::fromUtf8(MensajeErrorRegistro));

@@ -31,6 +31,10 @@ class TVisorPdfF;
 // `precio2`, `manejaInventarios`...). Al almacenar avisa con productoAlmacenado() y se cierra. El
 // "Regresar" de la ventana (close()) vuelve de una página interna a los datos y, desde los datos,
 // cierra.
+// Leyenda bajo la existencia al modificar un producto.
+inline constexpr const char* LeyendaAjusteExistencia =
+    "Se guarda como ajuste sobre la existencia actual";
+
 class TProductosEditaF : public QWidget {
     Q_OBJECT
 public:
@@ -45,6 +49,9 @@ public:
 
     bool esNuevo() const { return productoID_ == 0; }
     int64_t productoID() const { return productoID_; }
+
+    // Lo que lee y guarda el producto, con sus consultas como componentes del formulario.
+    EdicionProducto& edicion() { return edicion_; }
 
     // El archivo elegido con "Seleccionar Foto" llega aquí desde el diálogo de archivos.
     void cargaArchivoFoto(const QString& ruta);
@@ -93,7 +100,8 @@ private:
     const int64_t lineaID_;
     Mensajes mensajes_{this};
     EdicionProducto edicion_;
-    ProductoEditado leido_; // como se leyó (para la bitácora)
+    ProductoEditado leido_;      // como se leyó (para la bitácora y el ajuste de existencia)
+    QString existenciaMostrada_; // el texto de la existencia leída, tal como se mostró
     bool cargado_ = false;
 
     QImage foto_;

@@ -344,12 +344,13 @@ void TRangosF::BuscaProductoTimer(const QString& texto) {
     ListadoProductos.asignaSql(sqlBusquedaProductos(sesion_.EmpresaID, texto));
     try {
         ListadoProductos.abre();
+        // Dentro del try: si al listado le falta una columna es ErrorProgramacion.
+        encontrados_->asigna(ListadoProductos.registros());
     } catch (const ErrorServicio& e) {
         error(QString::fromUtf8(MensajeErrorLectura));
         qWarning() << "Rangos de Precios, búsqueda:" << e.mensaje();
         return;
     }
-    encontrados_->asigna(ListadoProductos.registros());
     ListadoProductos.cierra();
     if (encontrados_->rowCount() == 0) {
         error(kSinRegistros);

@@ -9,9 +9,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QScroller>
 #include <QStandardPaths>
-#include <QTableWidget>
+#include <QTableView>
 #include <QVBoxLayout>
 #include <QtDebug>
 
@@ -31,35 +30,50 @@ constexpr int kColumnaExistencia = 5;
 constexpr int kPrimerValor = 6;
 const int kAnchos[] = {70, 0, 90, 140, 84, 104, 104, 104, 104, 104, 104, 104};
 
-QTableWidgetItem* celda(const QString& texto, Qt::Alignment alineacion = Qt::AlignLeft) {
-    auto* item = new QTableWidgetItem(texto);
-    item->setTextAlignment(alineacion | Qt::AlignVCenter);
-    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-    return item;
+ModeloTabla::Columna importe(const QString& titulo, std::function<double(int)> valor) {
+    return ModeloTabla::numerica(titulo, std::move(valor), textoPrecio);
 }
 
-QTableWidgetItem* celdaNumero(const QString& texto, double valor) {
-    QTableWidgetItem* item = celda(texto, Qt::AlignRight);
-    item->setData(Qt::UserRole, valor);
-    return item;
-}
-
-QTableWidget* creaTabla(const QString& nombre, QWidget* padre) {
-    auto* tabla = new QTableWidget(0, static_cast<int>(encabezadosValorInventario().size()), padre);
-    tabla->setObjectName(nombre);
-    tabla->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    tabla->setSelectionBehavior(QAbstractItemView::SelectRows);
-    tabla->setSelectionMode(QAbstractItemView::SingleSelection);
-    tabla->setWordWrap(false);
-    tabla->verticalHeader()->hide();
-    tabla->verticalHeader()->setDefaultSectionSize(kAltoRenglon);
+QTableView* creaTabla(const QString& nombre, ModeloTabla* modelo, QWidget* padre) {
+    QTableView* tabla = creaVistaTabla(nombre, modelo, kAltoRenglon, padre);
     tabla->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    for (int c = 0; c < tabla->columnCount(); ++c)
+    for (int c = 0; c < modelo->columnCount(); ++c)
         if (kAnchos[c] > 0) tabla->setColumnWidth(c, kAnchos[c]);
     return tabla;
 }
 
 } // namespace
+
+std::vector<ModeloTabla::Columna> TValorInventarioF::columnasProductos() {
+    // Encabezados en dos renglones ("Valor" arriba) para que quepan las doce columnas.
+    QStringList titulos = encabezadosValorInventario();
+    for (QString& t : titulos)
+        if (t.startsWith(QStringLiteral("Valor "))) t.replace(5, 1, QLatin1Char('\n'));
+    auto renglon = [this](int fila) -> const RenglonValorInventario& {
+        return inventario_.renglones[static_cast<size_t>(fila)];
+    };
+    std::vector<ModeloTabla::Columna> columnas = {
+        {titulos.at(0), [renglon](int f) { return renglon(f).clave; }},
+        {titulos.at(1), [renglon](int f) { return renglon(f).producto; }},
+        {titulos.at(2), [renglon](int f) { return renglon(f).unidad; }},
+        {titulos.at(3), [renglon](int f) { return renglon(f).linea; }},
+        importe(titulos.at(kColumnaCosto), [renglon](int f) { return renglon(f).costo; }),
+        ModeloTabla::numerica(
+            titulos.at(kColumnaExistencia), [renglon](int f) { return renglon(f).existencia; },
+            textoCantidad)};
+    for (size_t i = 0; i < ValoresInventario; ++i)
+        columnas.push_back(importe(titulos.at(kPrimerValor + static_cast<int>(i)),
+                                   [renglon, i](int f) { return renglon(f).valores[i]; }));
+    return columnas;
+}
+
+std::vector<ModeloTabla::Columna> TValorInventarioF::columnasTotales() {
+    std::vector<ModeloTabla::Columna> columnas(encabezadosValorInventario().size());
+    columnas[1] = {{}, [](int) { return QStringLiteral("TOTALES"); }, {}, Qt::AlignRight};
+    for (size_t i = 0; i < ValoresInventario; ++i)
+        columnas[kPrimerValor + i] = importe({}, [this, i](int) { return inventario_.totales[i]; });
+    return columnas;
+}
 
 TValorInventarioF::TValorInventarioF(const Sesion& sesion, QWidget* padre)
     : QWidget(padre), sesion_(sesion) {
@@ -84,22 +98,16 @@ TValorInventarioF::TValorInventarioF(const Sesion& sesion, QWidget* padre)
     arriba->addWidget(titulo_, 1);
     arriba->addWidget(exportar_);
 
-    lista_ = creaTabla(QStringLiteral("ListaValorInventario"), this);
-    // Encabezados en dos renglones ("Valor" arriba) para que quepan las doce columnas.
-    QStringList encabezados = encabezadosValorInventario();
-    for (QString& e : encabezados)
-        if (e.startsWith(QStringLiteral("Valor "))) e.replace(5, 1, QLatin1Char('\n'));
-    lista_->setHorizontalHeaderLabels(encabezados);
+    modelo_ = new ModeloTabla(columnasProductos(), this);
+    lista_ = creaTabla(QStringLiteral("ListaValorInventario"), modelo_, this);
     lista_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    lista_->setAlternatingRowColors(true);
-    lista_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     lista_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    QScroller::grabGesture(lista_->viewport(), QScroller::LeftMouseButtonGesture);
 
     // Los totales en su propio renglón fijo; cada columna toma el ancho de la de la lista.
-    totales_ = creaTabla(QStringLiteral("TotalesValorInventario"), this);
+    modeloTotales_ = new ModeloTabla(columnasTotales(), this);
+    totales_ = creaTabla(QStringLiteral("TotalesValorInventario"), modeloTotales_, this);
     totales_->horizontalHeader()->hide();
-    totales_->setRowCount(1);
+    totales_->setAlternatingRowColors(false);
     totales_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     totales_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     totales_->setFixedHeight(kAltoRenglon + 2 * totales_->frameWidth());
@@ -128,41 +136,28 @@ TValorInventarioF::TValorInventarioF(const Sesion& sesion, QWidget* padre)
 }
 
 void TValorInventarioF::CargaInventarioTimer() {
+    ValorInventario inventario;
     try {
-        inventario_ = consultaValorInventario(ModuloDeDatos.ConexionBD, sesion_.EmpresaID);
+        inventario = consultaValorInventario(ModuloDeDatos.ConexionBD, sesion_.EmpresaID);
     } catch (const ErrorServicio& e) {
         Sonidos::reproduce(Sonido::Error);
         mensajes_.muestra(QString::fromUtf8(MensajeErrorLectura));
         qWarning() << "Valor de Inventario:" << e.mensaje();
         return;
     }
-    llenaListado();
+    llenaListado(std::move(inventario));
     if (inventario_.renglones.empty()) {
         Sonidos::reproduce(Sonido::Error);
         mensajes_.muestra(QStringLiteral("No hubo registros con esa información"));
     }
 }
 
-void TValorInventarioF::llenaListado() {
-    lista_->setRowCount(static_cast<int>(inventario_.renglones.size()));
-    int fila = 0;
-    for (const RenglonValorInventario& r : inventario_.renglones) {
-        lista_->setItem(fila, 0, celda(r.clave));
-        lista_->setItem(fila, 1, celda(r.producto));
-        lista_->setItem(fila, 2, celda(r.unidad));
-        lista_->setItem(fila, 3, celda(r.linea));
-        lista_->setItem(fila, kColumnaCosto, celdaNumero(textoPrecio(r.costo), r.costo));
-        lista_->setItem(fila, kColumnaExistencia,
-                        celdaNumero(textoCantidad(r.existencia), r.existencia));
-        for (size_t i = 0; i < r.valores.size(); ++i)
-            lista_->setItem(fila, kPrimerValor + static_cast<int>(i),
-                            celdaNumero(textoPrecio(r.valores[i]), r.valores[i]));
-        ++fila;
-    }
-    totales_->setItem(0, 1, celda(QStringLiteral("TOTALES"), Qt::AlignRight));
-    for (size_t i = 0; i < inventario_.totales.size(); ++i)
-        totales_->setItem(0, kPrimerValor + static_cast<int>(i),
-                          celdaNumero(textoPrecio(inventario_.totales[i]), inventario_.totales[i]));
+void TValorInventarioF::llenaListado(ValorInventario inventario) {
+    modelo_->cambia([&] {
+        inventario_ = std::move(inventario);
+        return static_cast<int>(inventario_.renglones.size());
+    });
+    modeloTotales_->cambia([] { return 1; });
     pie_->setText(QStringLiteral("Total Productos: ") +
                   QString::number(inventario_.renglones.size()));
     exportar_->setEnabled(!inventario_.renglones.empty());

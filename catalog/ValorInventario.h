@@ -1,15 +1,18 @@
 #pragma once
 
+#include <vector>
+
 #include <QString>
 #include <QWidget>
 
 #include "catalog/InventarioValorizado.h"
 #include "datos/Sesion.h"
 #include "pantallas/Mensajes.h"
+#include "pantallas/ModeloTabla.h"
 
 class QLabel;
 class QPushButton;
-class QTableWidget;
+class QTableView;
 
 namespace cajaplex {
 
@@ -29,15 +32,21 @@ private slots:
 
 private:
     void CargaInventarioTimer();
-    void llenaListado();
+    void llenaListado(ValorInventario inventario);
+    std::vector<ModeloTabla::Columna> columnasProductos();
+    std::vector<ModeloTabla::Columna> columnasTotales();
 
     const Sesion& sesion_;
     Mensajes mensajes_{this};
     ValorInventario inventario_;
 
+    // Leen inventario_: uno por producto y uno con los totales.
+    ModeloTabla* modelo_;
+    ModeloTabla* modeloTotales_;
+
     QLabel* titulo_;        // "TituloValorInventario"
-    QTableWidget* lista_;   // "ListaValorInventario"
-    QTableWidget* totales_; // "TotalesValorInventario"
+    QTableView* lista_;     // "ListaValorInventario"
+    QTableView* totales_;   // "TotalesValorInventario"
     QLabel* pie_;           // "PieValorInventario"
     QPushButton* exportar_; // "BotonExportar"
 };

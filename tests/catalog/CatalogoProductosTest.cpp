@@ -180,9 +180,10 @@ TEST_F(CatalogoProductosTest, BorrarRechazaCualquierDocumentoYSeLlevaLoPropio) {
     EXPECT_EQ(c.cuenta("ProductosRangosPrecios Where productoID = :p", {{"p", entero(libre)}}), 0);
     EXPECT_EQ(c.cuenta("ProductosFotos Where id = :p", {{"p", entero(libre)}}), 0);
     EXPECT_EQ(c.cuenta("Productos Where empresaID = 2 and clave = 'LIBRE'"), 1);
+    // La bitácora nombra al producto como estaba al borrarlo, no como lo trajo el listado.
     EXPECT_EQ(c.cuenta("AuditoriasSistema Where tipoAuditoria = 'Cancelación' and empresaID = 1 "
                        "and moduloSistema = 'Catálogos -> Productos' and datoNuevo = "
-                       "'Producto: LIBRE Libre'"),
+                       "'Producto: LIBRE LIBRE'"),
               1);
 
     // Un kit sin documentos se va con su composición; sus componentes se quedan.
@@ -193,6 +194,31 @@ TEST_F(CatalogoProductosTest, BorrarRechazaCualquierDocumentoYSeLlevaLoPropio) {
     EXPECT_EQ(borraProducto(conexion, sesion, producto), ResultadoBorrarProducto::Eliminado);
     EXPECT_EQ(c.cuenta("ProductosPaquetes Where id = :p", {{"p", entero(kit)}}), 0);
     EXPECT_EQ(c.cuenta("Productos Where empresaID = 1 and clave = 'R1'"), 1);
+}
+
+// El listado se cargó con la clave "VIEJA"; otra estación la cambió a "NUEVA" y vendió con ella.
+// La revisión usa la clave de ahora, leída dentro de la transacción del borrado: no se borra.
+TEST_F(CatalogoProductosTest, BorrarRevisaLaClaveActualNoLaDelListado) {
+    datos.producto(1, "VIEJA", 5);
+    const long long id = idDe(1, "VIEJA");
+    ProductoListado listado;
+    listado.id = id;
+    listado.clave = QStringLiteral("VIEJA");
+    listado.producto = QStringLiteral("Vieja");
+
+    c.exige("Update Productos Set clave = 'NUEVA' Where id = :p", {{"p", entero(id)}});
+    datos.venta(1, {{"NUEVA", 1}});
+    EXPECT_EQ(borraProducto(conexion, sesion, listado), ResultadoBorrarProducto::ConTransacciones);
+    EXPECT_EQ(c.cuenta("Productos Where ID = :p", {{"p", entero(id)}}), 1);
+    EXPECT_EQ(c.cuenta("AuditoriasSistema"), 0);
+
+    // Ya borrado por otra estación: nada que hacer, nada en la bitácora.
+    datos.producto(1, "OTRO", 1);
+    listado.id = idDe(1, "OTRO");
+    listado.clave = QStringLiteral("OTRO");
+    c.exige("Delete From Productos Where id = :p", {{"p", entero(listado.id)}});
+    EXPECT_EQ(borraProducto(conexion, sesion, listado), ResultadoBorrarProducto::Eliminado);
+    EXPECT_EQ(c.cuenta("AuditoriasSistema"), 0);
 }
 
 } // namespace

@@ -215,6 +215,59 @@ TEST_F(EdicionProductoTest, CambioActualizaSinTocarLineaNiAutorYReemplazaOQuitaL
     EXPECT_EQ(auditorias("Actualización"), 5);
 }
 
+// El editor se abre, otra estación vende 2 piezas y el editor guarda: la venta se queda. La
+// existencia solo se toca si el usuario la cambió, y entonces como ajuste sobre la actual.
+TEST_F(EdicionProductoTest, GuardarNoDeshaceLoQueOtraEstacionVendioMientrasEstabaAbierto) {
+    c.exige("Update Productos Set manejaInventarios = 1, existencia = 50 Where id = 1");
+    std::optional<ProductoConsultado> leido = edicion.consulta(1);
+    ASSERT_TRUE(leido);
+    EXPECT_EQ(leido->producto.existencia, 50.0);
+
+    datos.venta(1, {{"1001", 2}}); // otra estación
+    EXPECT_EQ(datos.existencia(1, "1001"), 48.0);
+
+    ProductoEditado p = leido->producto;
+    p.producto = QStringLiteral("Arroz morelos 1 kg");
+    edicion.guarda(p, {}, leido->producto);
+    EXPECT_EQ(datos.existencia(1, "1001"), 48.0);
+    EXPECT_EQ(c.valor("Select producto From Productos Where id = 1"), "Arroz morelos 1 kg");
+
+    // Cambiada en el editor de 50 a 55 mientras otra estación vendía 3 más: +5 sobre lo actual.
+    datos.venta(1, {{"1001", 3}});
+    p.existencia = 55;
+    edicion.guarda(p, {}, leido->producto);
+    EXPECT_EQ(datos.existencia(1, "1001"), 50.0);
+    EXPECT_EQ(c.cuenta("AuditoriasSistema Where tipoAuditoria = 'Actualización' and "
+                       "comentarios = 'Producto modificado, existencia ajustada en +5.00'"),
+              1);
+    EXPECT_EQ(diferenciaExistencia(p, leido->producto), 5.0);
+    EXPECT_EQ(diferenciaExistencia(p, {}), 0.0); // sin lo leído, la existencia no se toca
+    ProductoEditado nuevo = valido();
+    nuevo.existencia = 7;
+    EXPECT_EQ(diferenciaExistencia(nuevo, {}), 0.0); // un alta guarda su existencia inicial
+}
+
+// Otra estación eliminó el producto mientras el editor estaba abierto: nada se guarda (ni la
+// foto huérfana ni la bitácora de un cambio que no ocurrió) y se dice por qué.
+TEST_F(EdicionProductoTest, CambioDeUnProductoQueOtraEstacionEliminoNoGuardaNada) {
+    std::optional<ProductoConsultado> leido = edicion.consulta(1);
+    ASSERT_TRUE(leido);
+    c.exige("Delete From Productos Where empresaID = 1 and id = 1"); // otra estación
+    const long long bitacora = c.cuenta("AuditoriasSistema");
+
+    ProductoEditado p = leido->producto;
+    p.existencia += 4;
+    try {
+        edicion.guarda(p, {false, true, QByteArray("foto"), QByteArray("mini")}, leido->producto);
+        FAIL() << "el producto ya no existe";
+    } catch (const RegistroInexistente& e) {
+        EXPECT_EQ(e.mensaje(), QString::fromUtf8(MensajeProductoEliminado));
+    }
+    EXPECT_EQ(c.cuenta("ProductosFotos Where id = 1"), 0);
+    EXPECT_EQ(c.cuenta("Productos Where id = 1"), 0);
+    EXPECT_EQ(c.cuenta("AuditoriasSistema"), bitacora);
+}
+
 TEST_F(EdicionProductoTest, ValoresDeLaEmpresaParaUnProductoNuevo) {
     std::vector<UnidadMedida> unidades = edicion.unidades();
     QStringList nombres;

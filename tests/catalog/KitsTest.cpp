@@ -35,6 +35,16 @@ protected:
         return f;
     }
 
+    // PAQ02 (id 45) con su componente 3002 quitado, sin almacenar.
+    std::unique_ptr<TKitsF> abreConCambioPendiente() {
+        auto f = abre();
+        eligeKit(*f, "PAQ02 - Paquete botana y refresco");
+        eligeComponente(*f, "3002");
+        toca(*f, "BotonBorrar");
+        Mensajes::ultimos();
+        return f;
+    }
+
     static void eligeKit(const TKitsF& f, const QString& kit) {
         tocaRenglon(f, "ListaKits", Qt::DisplayRole, kit);
     }
@@ -174,18 +184,14 @@ TEST_F(KitsTest, ComponenteConOtraClaveDejaDeListarse) {
 }
 
 TEST_F(KitsTest, UnaFallaAlAlmacenarConservaLaListaParaReintentar) {
-    auto f = abre();
-    eligeKit(*f, "PAQ02 - Paquete botana y refresco");
-    eligeComponente(*f, "3002");
-    toca(*f, "BotonBorrar");
-    Mensajes::ultimos();
+    auto f = abreConCambioPendiente();
 
     servicio.detiene();
     Mensajes::respondeOpcion(2);
     toca(*f, "BotonAlmacenar");
-    EXPECT_EQ(Mensajes::ultimos(),
-              (QStringList{"Seleccione el Tipo de Operación",
-                           "Error al Registrar la transacción, Intente de nuevo"}));
+    // Sin servicio falla ya la revisión de la estación (una lectura).
+    EXPECT_EQ(Mensajes::ultimos(), (QStringList{"Seleccione el Tipo de Operación",
+                                                "Error al obtener los datos, Intente de nuevo"}));
     EXPECT_EQ(claves(*f), (QStringList{"2002", "3001"}));
 
     servicio.reinicia();
@@ -196,6 +202,42 @@ TEST_F(KitsTest, UnaFallaAlAlmacenarConservaLaListaParaReintentar) {
     EXPECT_EQ(almacenado(45), "1.2002x1.0 2.3001x2.0 3.3002x1.0 ");
     Mensajes::respondeOpcion(2);
     toca(*f, "BotonAlmacenar");
+    EXPECT_EQ(almacenado(45), "1.2002x1.0 2.3001x2.0 ");
+}
+
+// Otra estación eliminó el kit mientras se componía: se dice claro y no se guarda nada (ni
+// renglones huérfanos de la composición ni bitácora).
+TEST_F(KitsTest, AlmacenarUnKitQueOtraEstacionEliminoNoGuardaNada) {
+    auto f = abreConCambioPendiente();
+
+    c.exige("Delete From ProductosPaquetes Where empresaID = 1 and id = 45"); // otra estación
+    c.exige("Delete From Productos Where empresaID = 1 and id = 45");
+    const long long bitacora = c.cuenta("AuditoriasSistema");
+    Mensajes::respondeOpcion(2);
+    toca(*f, "BotonAlmacenar");
+    EXPECT_EQ(Mensajes::ultimos(), (QStringList{"Seleccione el Tipo de Operación",
+                                                QString::fromUtf8(MensajeKitEliminado)}));
+    EXPECT_EQ(almacenado(45), "");
+    EXPECT_EQ(c.cuenta("AuditoriasSistema"), bitacora);
+    EXPECT_EQ(claves(*f), (QStringList{"2002", "3001"})); // la lista de trabajo se queda
+}
+
+// Como el editor de productos y el monedero: con estaciones dadas de alta, solo ellas guardan.
+TEST_F(KitsTest, SoloUnaEstacionAutorizadaAlmacena) {
+    auto f = abreConCambioPendiente();
+    sesion_.DispositivoID = QStringLiteral("CAJA-9");
+
+    c.exige("Insert Into DispositivosRED (ReferenciaID) Values ('CAJA-1')");
+    Mensajes::respondeOpcion(2);
+    toca(*f, "BotonAlmacenar");
+    EXPECT_EQ(Mensajes::ultimos(), (QStringList{"Seleccione el Tipo de Operación",
+                                                "Dispositivo NO Autorizado: CAJA-9"}));
+    EXPECT_EQ(almacenado(45), "1.2002x1.0 2.3001x2.0 3.3002x1.0 ");
+
+    c.exige("Insert Into DispositivosRED (ReferenciaID) Values ('CAJA-9')");
+    Mensajes::respondeOpcion(2);
+    toca(*f, "BotonAlmacenar");
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{"Seleccione el Tipo de Operación"});
     EXPECT_EQ(almacenado(45), "1.2002x1.0 2.3001x2.0 ");
 }
 

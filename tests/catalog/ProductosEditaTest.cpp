@@ -207,6 +207,84 @@ TEST_F(ProductosEditaTest, AltaConValoresDeLaEmpresaRevisaEnOrdenYConservaLoTecl
               1);
 }
 
+// Editor abierto, otra estación vende, el editor guarda: la venta se queda. Lo que el usuario
+// cambie en la existencia se guarda como ajuste sobre la de ese momento, y la pantalla lo dice.
+TEST_F(ProductosEditaTest, GuardarNoDeshaceUnaVentaHechaMientrasElEditorEstabaAbierto) {
+    c.exige("Update Productos Set manejaInventarios = 1 Where empresaID = 1 and clave = '1001'");
+    auto f = abre(1);
+    EXPECT_EQ(texto(*f, "existencia"), "48.00");
+    EXPECT_EQ(control<QLabel>(*f, "NotaExistencia")->text(),
+              "Se guarda como ajuste sobre la existencia actual");
+    datos.venta(1, {{"1001", 2}}); // otra estación
+    teclea(*f, "producto", QStringLiteral("Arroz morelos 1 kg"));
+    toca(*f, "BotonSiguiente");
+    EXPECT_TRUE(Mensajes::ultimos().isEmpty());
+    EXPECT_FALSE(f->isVisible());
+    EXPECT_EQ(fila("producto, existencia", "1001"), Json::parse(R"(["Arroz morelos 1 kg", 46.0])"));
+
+    // Cambiada de 46 a 50 (+4) mientras se vendían 3: queda 43 + 4.
+    f = abre(1);
+    EXPECT_EQ(texto(*f, "existencia"), "46.00");
+    datos.venta(1, {{"1001", 3}});
+    teclea(*f, "existencia", QStringLiteral("50"));
+    toca(*f, "BotonSiguiente");
+    EXPECT_TRUE(Mensajes::ultimos().isEmpty());
+    EXPECT_EQ(fila("existencia", "1001"), Json::parse("[47.0]"));
+    EXPECT_EQ(c.cuenta("AuditoriasSistema Where tipoAuditoria = 'Actualización' and comentarios = "
+                       "'Producto modificado, existencia ajustada en +4.00'"),
+              1);
+
+    // Un alta no lleva la leyenda: su existencia es la inicial.
+    auto alta = abre(0, 6);
+    EXPECT_EQ(alta->findChild<QLabel*>(QStringLiteral("NotaExistencia")), nullptr);
+}
+
+// Otra estación eliminó el producto mientras se editaba: se dice claro y no queda nada (ni foto
+// huérfana ni bitácora de un cambio que no ocurrió).
+TEST_F(ProductosEditaTest, GuardarUnProductoQueOtraEstacionEliminoNoGuardaNada) {
+    QTemporaryDir carpeta;
+    const QString foto = carpeta.filePath(QStringLiteral("arroz.png"));
+    {
+        QFile imagen(foto);
+        ASSERT_TRUE(imagen.open(QIODevice::WriteOnly));
+        imagen.write(png(30, 30));
+    }
+    auto f = abre(1);
+    f->cargaArchivoFoto(foto);
+    c.exige("Delete From Productos Where empresaID = 1 and clave = '1001'"); // otra estación
+    const long long bitacora = c.cuenta("AuditoriasSistema");
+    toca(*f, "BotonSiguiente");
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{QString::fromUtf8(MensajeProductoEliminado)});
+    EXPECT_TRUE(f->isVisible());
+    EXPECT_EQ(c.cuenta("ProductosFotos Where id = 1"), 0);
+    EXPECT_EQ(c.cuenta("AuditoriasSistema"), bitacora);
+}
+
+// Un error de programación al leer (una columna que la consulta no trae) ya no termina el
+// programa desde el slot: la pantalla muestra el mensaje de falla de lectura y todo sigue.
+TEST_F(ProductosEditaTest, UnaColumnaDesconocidaMuestraElErrorDeLecturaYElProgramaSigue) {
+    auto f = std::make_unique<TProductosEditaF>(sesion_, 1, 0);
+    // Antes de que corra la carga (tras la leyenda): la consulta ya no trae "linea" ni las demás.
+    f->edicion().ConsultarProducto.asignaSql(
+        QStringLiteral("Select A.ID From Productos A Where A.empresaID = :EmpresaID "
+                       "And A.ID = :ProductoID"));
+    f->resize(kVentana);
+    f->show();
+    esperaLeyenda(*f);
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{"Error al obtener los datos, Intente de nuevo"});
+    EXPECT_EQ(Sonidos::reproducidos(), QList<Sonido>{Sonido::Error});
+    EXPECT_TRUE(f->isVisible());
+    EXPECT_FALSE(control<QPushButton>(*f, "BotonSiguiente")->isEnabled());
+    f->close();
+
+    // El programa sigue: otro editor carga y guarda como siempre.
+    auto otro = abre(1);
+    EXPECT_EQ(texto(*otro, "clave"), "1001");
+    toca(*otro, "BotonSiguiente");
+    EXPECT_TRUE(Mensajes::ultimos().isEmpty());
+    EXPECT_FALSE(otro->isVisible());
+}
+
 TEST_F(ProductosEditaTest, ModificaMuestraLoGuardadoYSuFotoSeGiraReemplazaYQuita) {
     QTemporaryDir carpeta;
     const QString noImagen = carpeta.filePath(QStringLiteral("notas.png"));

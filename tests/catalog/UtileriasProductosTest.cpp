@@ -8,17 +8,19 @@
 #include <string>
 
 #include <QFile>
+#include <QFont>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QProcess>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
 
+#include "catalog/CatalogoProductos.h"
 #include "catalog/IncrementoPrecios.h"
 #include "catalog/ModulosCatalogo.h"
 #include "catalog/Productos.h"
@@ -78,14 +80,23 @@ protected:
         control<QLineEdit>(f, ("PorcentajePrecio" + std::to_string(nivel)).c_str())->setText(texto);
     }
 
+    // Lo que la tabla muestra o guarda (Qt::UserRole) en una celda.
+    static QVariant celda(const QWidget& f, const char* tabla, int renglon, int columna,
+                          int rol = Qt::DisplayRole) {
+        return control<QTableView>(f, tabla)->model()->index(renglon, columna).data(rol);
+    }
+
+    static int renglones(const QWidget& f, const char* tabla) {
+        return control<QTableView>(f, tabla)->model()->rowCount();
+    }
+
     // Los cinco precios nuevos de la vista previa, por clave.
     static std::map<QString, std::array<double, 5>> vistaPrevia(const QWidget& f) {
-        auto* tabla = control<QTableWidget>(f, "Productos");
         std::map<QString, std::array<double, 5>> nuevos;
-        for (int r = 0; r < tabla->rowCount(); ++r)
+        for (int r = 0; r < renglones(f, "Productos"); ++r)
             for (int i = 0; i < 5; ++i)
-                nuevos[tabla->item(r, 0)->text()][static_cast<size_t>(i)] =
-                    tabla->item(r, 5 + 2 * i)->data(Qt::UserRole).toDouble();
+                nuevos[celda(f, "Productos", r, 0).toString()][static_cast<size_t>(i)] =
+                    celda(f, "Productos", r, 5 + 2 * i, Qt::UserRole).toDouble();
         return nuevos;
     }
 
@@ -175,18 +186,21 @@ TEST_F(UtileriasProductosTest, IncrementoDesdeCostoRepreciaLaLineaConInactivosYA
     porcentaje(*f, 4, QStringLiteral("2.5"));
     siguiente(*f);
     ASSERT_EQ(pagina(*f), "VistaPrevia");
-    auto* tabla = control<QTableWidget>(*f, "Productos");
+    const QAbstractItemModel* tabla = control<QTableView>(*f, "Productos")->model();
     QStringList columnas;
     for (int i = 0; i < tabla->columnCount(); ++i)
-        columnas << tabla->horizontalHeaderItem(i)->text();
+        columnas << tabla->headerData(i, Qt::Horizontal).toString();
     EXPECT_EQ(columnas, (QStringList{"Clave", "Descripción", "Unidad", "Costo", "Precio 1",
                                      "Nuevo 1", "Precio 2", "Nuevo 2", "Precio 3", "Nuevo 3",
                                      "Precio 4", "Nuevo 4", "Precio 5", "Nuevo 5"}));
     const auto nuevos = vistaPrevia(*f);
     ASSERT_EQ(nuevos.size(), 3u); // el inactivo no se lista
     EXPECT_EQ(control<QLabel>(*f, "PieProductos")->text(), "Total Productos: 3");
-    EXPECT_EQ(tabla->item(2, 0)->text(), "1004");
-    EXPECT_EQ(tabla->item(2, 5)->text(), "$19.80");
+    EXPECT_EQ(celda(*f, "Productos", 2, 0).toString(), "1004");
+    EXPECT_EQ(celda(*f, "Productos", 2, 5).toString(), "$19.80");
+    // Los precios nuevos resaltan junto a los de hoy.
+    EXPECT_TRUE(qvariant_cast<QFont>(celda(*f, "Productos", 2, 5, Qt::FontRole)).bold());
+    EXPECT_FALSE(qvariant_cast<QFont>(celda(*f, "Productos", 2, 4, Qt::FontRole)).bold());
 
     Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
     siguiente(*f);
@@ -265,33 +279,37 @@ TEST_F(UtileriasProductosTest, ValorInventarioSoloConExistenciaYCostoConTotalesY
     auto f = abre<TValorInventarioF>();
     EXPECT_TRUE(Mensajes::ultimos().isEmpty());
 
-    auto* lista = control<QTableWidget>(*f, "ListaValorInventario");
+    const int listados = renglones(*f, "ListaValorInventario");
     QStringList claves;
-    for (int r = 0; r < lista->rowCount(); ++r)
-        claves << lista->item(r, 0)->text();
+    for (int r = 0; r < listados; ++r)
+        claves << celda(*f, "ListaValorInventario", r, 0).toString();
     for (const char* fuera : {"1001", "1002", "1005", "9001", "PAQ01", "E01"})
         EXPECT_FALSE(claves.contains(QString::fromLatin1(fuera))) << fuera;
     EXPECT_TRUE(claves.contains("1003"));
     const long long productos = c.cuenta("Productos Where empresaID = 1 and existencia > 0 and "
                                          "pCompra > 0");
-    EXPECT_EQ(lista->rowCount(), productos);
+    EXPECT_EQ(listados, productos);
     EXPECT_EQ(control<QLabel>(*f, "PieValorInventario")->text(),
               QStringLiteral("Total Productos: ") + QString::number(productos));
 
     // Cada total es la suma de su columna, y el de costo coincide con la base.
-    auto* totales = control<QTableWidget>(*f, "TotalesValorInventario");
+    auto total = [&](int columna) {
+        return celda(*f, "TotalesValorInventario", 0, columna, Qt::UserRole).toDouble();
+    };
     for (int columna = 6; columna < 12; ++columna) {
         double suma = 0.0;
-        for (int r = 0; r < lista->rowCount(); ++r)
-            suma += lista->item(r, columna)->data(Qt::UserRole).toDouble();
-        EXPECT_NEAR(totales->item(0, columna)->data(Qt::UserRole).toDouble(), suma, 1e-6);
+        for (int r = 0; r < listados; ++r)
+            suma += celda(*f, "ListaValorInventario", r, columna, Qt::UserRole).toDouble();
+        EXPECT_NEAR(total(columna), suma, 1e-6);
     }
-    EXPECT_NEAR(totales->item(0, 6)->data(Qt::UserRole).toDouble(),
+    EXPECT_EQ(celda(*f, "TotalesValorInventario", 0, 1).toString(), "TOTALES");
+    EXPECT_EQ(celda(*f, "TotalesValorInventario", 0, 6).toString(), textoPrecio(total(6)));
+    EXPECT_NEAR(total(6),
                 c.valor("Select sum(pCompra * existencia) From Productos Where empresaID = 1 "
                         "and existencia > 0 and pCompra > 0")
                     .get<double>(),
                 1e-6);
-    EXPECT_NEAR(totales->item(0, 11)->data(Qt::UserRole).toDouble(),
+    EXPECT_NEAR(total(11),
                 c.valor("Select sum(precio5 * existencia) From Productos Where empresaID = 1 "
                         "and existencia > 0 and pCompra > 0")
                     .get<double>(),
@@ -327,7 +345,8 @@ TEST_F(UtileriasProductosTest, ValorInventarioSoloConExistenciaYCostoConTotalesY
     otra.show();
     esperaLeyenda(otra);
     EXPECT_EQ(Mensajes::ultimos(), QStringList{MensajeErrorLectura});
-    EXPECT_EQ(control<QTableWidget>(otra, "ListaValorInventario")->rowCount(), 0);
+    EXPECT_EQ(renglones(otra, "ListaValorInventario"), 0);
+    EXPECT_EQ(renglones(otra, "TotalesValorInventario"), 0);
     EXPECT_FALSE(control<QPushButton>(otra, "BotonExportar")->isEnabled());
 }
 
