@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include <QString>
@@ -7,14 +8,17 @@
 
 #include "datos/MensajesComunes.h"
 
+class QDialog;
 class QWidget;
 
 namespace cajaplex {
 
 enum class Respuesta { Aceptar, Cancelar, Si, No };
 
-// Único camino de los mensajes y preguntas de las pantallas ("Centro de Mensajes"). En modo de
-// prueba no se abre nada modal: se anota cada texto y las respuestas salen de una cola.
+// Único camino de los mensajes y preguntas de las pantallas ("Centro de Mensajes"). El texto se
+// muestra completo: los renglones largos se parten sin pasar del 60 % del ancho de la pantalla y
+// el diálogo crece a lo alto. Mientras hay un diálogo abierto, la leyenda de progreso se oculta.
+// En modo de prueba no se abre nada modal: se anota cada texto y las respuestas salen de una cola.
 class Mensajes {
 public:
     explicit Mensajes(QWidget* padre = nullptr) : padre_(padre) {}
@@ -38,6 +42,9 @@ public:
     static int respuestasPendientes();
     // Lo mostrado o preguntado desde la última llamada, en orden.
     static QStringList ultimos();
+    // Con el modo de prueba apagado, recibe cada diálogo real ya visible, desde su propio ciclo de
+    // eventos; al volver, el diálogo se cierra (como Cancelar) si sigue abierto. Vacío lo quita.
+    static void revisaDialogos(std::function<void(QDialog&)> revision);
 
 private:
     QWidget* padre_;

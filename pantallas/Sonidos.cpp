@@ -5,12 +5,12 @@
 #include <utility>
 
 #include <QAudioDevice>
-#include <QAudioOutput>
 #include <QCoreApplication>
-#include <QLoggingCategory>
 #include <QMediaDevices>
-#include <QMediaPlayer>
+#include <QMetaObject>
 #include <QPointer>
+#include <QSoundEffect>
+#include <QThread>
 #include <QUrl>
 #include <QtGlobal>
 
@@ -23,9 +23,11 @@ struct Estado {
     bool activos = false;
     bool prueba = false;
     QList<Sonido> anotados;
-    // Uno por sonido, hijos de la aplicación: mueren con ella y QPointer lo nota.
-    std::array<QPointer<QMediaPlayer>, kCuantos> reproductores;
-    bool multimediaIniciada = false;
+    // Uno por sonido y sin padre: mueren cuando el programa lo dice (libera), con la aplicación
+    // viva, y nunca a medias dentro de ~QApplication.
+    std::array<QSoundEffect*, kCuantos> efectos{};
+    QPointer<QCoreApplication> enganchada; // la aplicación que nos avisa al salir
+    bool iniciado = false;
     bool avisado = false;
 };
 
@@ -41,49 +43,50 @@ void avisaUnaVez(const QString& texto) {
     qInfo().noquote() << QStringLiteral("Sonidos: ") + texto;
 }
 
-// GStreamer reenvía como advertencia cada salida que prueba y no existe (PulseAudio sin servidor,
-// por ejemplo) antes de dar con una que sí: en un equipo sin audio serían dos líneas por sonido.
-QLoggingCategory::CategoryFilter filtroPrevio = nullptr;
-
-void filtraAdvertenciasDelReproductor(QLoggingCategory* categoria) {
-    if (filtroPrevio) filtroPrevio(categoria);
-    if (qstrcmp(categoria->categoryName(), "qt.multimedia.player") == 0)
-        categoria->setEnabled(QtWarningMsg, false);
-}
-
-// Al cargarse, Qt Multimedia advierte si no hay servidor PulseAudio. Lo decimos nosotros, una vez.
+// Qt Multimedia advierte al cargarse si no hay servidor PulseAudio y, por cada sonido, si no hay
+// dispositivo de salida. Sin bocinas eso es normal: lo decimos nosotros, una vez.
 QtMessageHandler manejadorPrevio = nullptr;
 
-void callaServidorDeAudio(QtMsgType tipo, const QMessageLogContext& contexto,
-                          const QString& mensaje) {
-    if (tipo == QtWarningMsg && mensaje.startsWith(QLatin1String("PulseAudioService:"))) return;
+void callaAvisosDeAudio(QtMsgType tipo, const QMessageLogContext& contexto,
+                        const QString& mensaje) {
+    if (tipo == QtWarningMsg && (mensaje.startsWith(QLatin1String("PulseAudioService:")) ||
+                                 mensaje == QLatin1String("No audio device detected")))
+        return;
     manejadorPrevio(tipo, contexto, mensaje);
 }
 
-QMediaPlayer* creaReproductor(Sonido sonido) {
+void alSalir() {
+    Sonidos::libera();
+}
+
+void inicia() {
     Estado& e = estado();
-    const bool primero = !e.multimediaIniciada;
-    if (primero) {
-        e.multimediaIniciada = true;
-        filtroPrevio = QLoggingCategory::installFilter(filtraAdvertenciasDelReproductor);
-        manejadorPrevio = qInstallMessageHandler(callaServidorDeAudio);
-    }
-    auto* reproductor = new QMediaPlayer(QCoreApplication::instance());
-    reproductor->setAudioOutput(new QAudioOutput(reproductor));
-    if (primero) {
-        qInstallMessageHandler(manejadorPrevio);
-        // Sin salidas listadas GStreamer aún puede sonar por ALSA; por eso solo se avisa.
+    if (!e.iniciado) {
+        e.iniciado = true;
+        manejadorPrevio = qInstallMessageHandler(callaAvisosDeAudio);
         if (QMediaDevices::audioOutputs().isEmpty())
-            avisaUnaVez(
-                QStringLiteral("el sistema no reporta salidas de audio; quizá no se oigan."));
+            avisaUnaVez(QStringLiteral("el sistema no reporta salidas de audio; no se oirán."));
     }
-    QObject::connect(reproductor, &QMediaPlayer::errorOccurred, reproductor,
-                     [](QMediaPlayer::Error, const QString& texto) {
-                         avisaUnaVez(QStringLiteral("no se pudo reproducir (%1).").arg(texto));
-                     });
-    // El recurso se reproduce directo (qrc:): el respaldo GStreamer lo lee con QFile.
-    reproductor->setSource(QUrl(QStringLiteral("qrc:/sonidos/") + Sonidos::archivo(sonido)));
-    return reproductor;
+    // Al terminar el ciclo de eventos o, si no lo hubo (pruebas), al empezar a destruirse la
+    // aplicación: en ambos casos antes de que muera.
+    QCoreApplication* aplicacion = QCoreApplication::instance();
+    if (e.enganchada != aplicacion) {
+        e.enganchada = aplicacion;
+        QObject::connect(aplicacion, &QCoreApplication::aboutToQuit, aplicacion, alSalir);
+        qAddPostRoutine(alSalir);
+    }
+}
+
+QSoundEffect* creaEfecto(Sonido sonido) {
+    auto* efecto = new QSoundEffect;
+    QObject::connect(efecto, &QSoundEffect::statusChanged, efecto, [efecto] {
+        if (efecto->status() == QSoundEffect::Error)
+            avisaUnaVez(QStringLiteral("no se pudo cargar %1.").arg(efecto->source().toString()));
+    });
+    QString wav = Sonidos::archivo(sonido);
+    wav.chop(4); // ".mp3"
+    efecto->setSource(QUrl(QStringLiteral("qrc:/sonidos/%1.wav").arg(wav)));
+    return efecto;
 }
 
 } // namespace
@@ -97,22 +100,25 @@ bool Sonidos::activos() {
 }
 
 void Sonidos::reproduce(Sonido sonido) {
+    QCoreApplication* aplicacion = QCoreApplication::instance();
+    if (aplicacion && QThread::currentThread() != aplicacion->thread()) {
+        QMetaObject::invokeMethod(
+            aplicacion, [sonido] { reproduce(sonido); }, Qt::QueuedConnection);
+        return;
+    }
     Estado& e = estado();
     if (!e.activos) return;
     if (e.prueba) {
         e.anotados << sonido;
         return;
     }
-    if (!QCoreApplication::instance()) return;
-    QPointer<QMediaPlayer>& reproductor = e.reproductores[static_cast<std::size_t>(sonido)];
-    if (!reproductor) reproductor = creaReproductor(sonido);
-    if (!reproductor->isAvailable()) {
-        avisaUnaVez(QStringLiteral("Qt Multimedia no tiene reproductor disponible."));
-        return;
-    }
+    // Mientras se destruye la aplicación ya no se crea nada.
+    if (!aplicacion || QCoreApplication::closingDown()) return;
+    inicia();
+    QSoundEffect*& efecto = e.efectos[static_cast<std::size_t>(sonido)];
+    if (!efecto) efecto = creaEfecto(sonido);
     // Otra pulsación mientras suena vuelve a empezar, no se encola.
-    reproductor->setPosition(0);
-    reproductor->play();
+    efecto->play();
 }
 
 QString Sonidos::archivo(Sonido sonido) {
@@ -137,6 +143,20 @@ QString Sonidos::archivo(Sonido sonido) {
         return QStringLiteral("FinalizarComanda.mp3");
     }
     return {};
+}
+
+void Sonidos::libera() {
+    for (QSoundEffect*& efecto : estado().efectos) {
+        if (!efecto) continue;
+        efecto->stop();
+        delete std::exchange(efecto, nullptr);
+    }
+}
+
+bool Sonidos::sonando() {
+    for (const QSoundEffect* efecto : estado().efectos)
+        if (efecto && efecto->isPlaying()) return true;
+    return false;
 }
 
 void Sonidos::modoPrueba(bool activo) {

@@ -5,7 +5,8 @@
 
 namespace cajaplex {
 
-// Los sonidos del sistema, en assets/sonidos/<nombre>.mp3 (hechos por el proyecto).
+// Los sonidos del sistema. El sistema los nombra por su MP3 (assets/sonidos/<nombre>.mp3); lo que
+// suena es el WAV del mismo nombre, hecho por scripts/sonidos junto al MP3.
 enum class Sonido {
     Click,
     Error,
@@ -27,9 +28,16 @@ public:
     static void activa(bool utilizar);
     static bool activos();
 
+    // Nunca bloquea ni lanza. Llamado desde otro hilo, se encarga al hilo de la aplicación.
     static void reproduce(Sonido sonido);
     // "Click.mp3", "Error.mp3"...
     static QString archivo(Sonido sonido);
+
+    // Detiene y destruye los reproductores (el siguiente reproduce los vuelve a crear). Se llama
+    // sola al salir del programa, con la aplicación aún viva.
+    static void libera();
+    // Si alguno está sonando (o esperando para sonar).
+    static bool sonando();
 
     // Ganchos de prueba. Activar el modo vacía lo anotado.
     static void modoPrueba(bool activo);

@@ -1,17 +1,24 @@
 // Recorre la aplicación como un usuario y guarda una captura PNG de cada pantalla: acceso,
-// términos, elección de empresa, menú y cada módulo del menú. Lo usa scripts/capturas bajo Xvfb.
+// términos, elección de empresa, menú y cada módulo del menú como admin, y el menú del cajero y el
+// del mesero. Con --mensaje-conexion solo intenta entrar (con el servicio ya detenido) y captura
+// la pantalla completa con el mensaje abierto. Lo usa scripts/capturas bajo Xvfb.
 //   cajaplex-capturas --configuracion DIR --salida DIR [--ancho 1366 --alto 768]
+//                     [--mensaje-conexion]
 #include <cstdio>
 #include <functional>
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPixmap>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 
 #include "datos/Auditoria.h"
@@ -46,14 +53,24 @@ public:
 
     void toma(const QString& nombre) {
         QTest::qWait(300); // que terminen la leyenda y el pintado
-        const QString ruta = QDir(carpeta_).filePath(QStringLiteral("%1-%2-%3.png")
-                                                         .arg(++numero_, 2, 10, QLatin1Char('0'))
-                                                         .arg(nombre, sufijo_));
-        ventana_.grab().save(ruta);
-        std::printf("%s\n", qPrintable(ruta));
+        guarda(ventana_.grab(), nombre);
+    }
+
+    // La pantalla entera, con los diálogos que haya encima de la ventana.
+    void tomaPantalla(const QString& nombre) {
+        QTest::qWait(300);
+        guarda(QGuiApplication::primaryScreen()->grabWindow(0), nombre);
     }
 
 private:
+    void guarda(const QPixmap& imagen, const QString& nombre) {
+        const QString ruta = QDir(carpeta_).filePath(QStringLiteral("%1-%2-%3.png")
+                                                         .arg(++numero_, 2, 10, QLatin1Char('0'))
+                                                         .arg(nombre, sufijo_));
+        imagen.save(ruta);
+        std::printf("%s\n", qPrintable(ruta));
+    }
+
     QWidget& ventana_;
     QString carpeta_;
     QString sufijo_;
@@ -88,6 +105,52 @@ void registraEjemplos(const Sesion& sesion) {
     t.confirma();
 }
 
+// Escribe usuario y contraseña y pulsa Ingresar.
+void ingresa(QWidget& ventana, const QString& usuario, const QString& contrasena) {
+    control<QLineEdit>(ventana, "NombreUsuario")->setText(usuario);
+    control<QLineEdit>(ventana, "ContrasenaUsuario")->setText(contrasena);
+    QTest::mouseClick(control<QPushButton>(ventana, "AuthenticateRectBTN"), Qt::LeftButton);
+}
+
+// Cierra la sesión (contestando que sí) y entra con otro usuario; con varias empresas toma la
+// primera. Fotografía su menú.
+bool menuDe(TCajaplexF& ventana, Fotografo& foto, const QString& usuario) {
+    Mensajes::respondeSiguiente(Respuesta::Aceptar);
+    QTest::mouseClick(control<QPushButton>(ventana, "BotonCerrarSesion"), Qt::LeftButton);
+    if (!espera([&] { return !ventana.sesionAbierta(); })) return false;
+    ingresa(ventana, usuario, usuario);
+    auto* empresas = control<QListWidget>(ventana, "ListaEmpresas");
+    if (!espera([&] { return ventana.sesionAbierta() || empresas->isVisible(); })) {
+        std::fprintf(stderr, "No entró %s: %s\n", qPrintable(usuario),
+                     qPrintable(Mensajes::ultimos().join(QStringLiteral(" | "))));
+        return false;
+    }
+    if (!ventana.sesionAbierta()) {
+        QTest::mouseClick(control<QPushButton>(ventana, "BotonEmpresa"), Qt::LeftButton);
+        if (!espera([&] { return ventana.sesionAbierta(); })) return false;
+    }
+    foto.toma(QStringLiteral("menu-") + usuario);
+    return true;
+}
+
+// Con el servicio detenido: el intento de entrar termina en el mensaje de error de conexión, que
+// se fotografía abierto sobre la ventana (diálogo real, no el modo de prueba).
+int mensajeDeConexion(QWidget& ventana, Fotografo& foto) {
+    bool visto = false;
+    Mensajes::modoPrueba(false);
+    Mensajes::revisaDialogos([&](QDialog& dialogo) {
+        if (!QTest::qWaitForWindowExposed(&dialogo))
+            std::fprintf(stderr, "El mensaje no llegó a verse\n");
+        foto.tomaPantalla(QStringLiteral("mensaje-conexion"));
+        visto = true;
+    });
+    ingresa(ventana, QStringLiteral("admin"), QStringLiteral("admin"));
+    const bool llego = espera([&] { return visto; });
+    Mensajes::revisaDialogos({});
+    if (!llego) std::fprintf(stderr, "No apareció el mensaje de conexión\n");
+    return llego ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -100,7 +163,8 @@ int main(int argc, char* argv[]) {
                                    QStringLiteral("1366"));
     const QCommandLineOption alto(QStringLiteral("alto"), {}, QStringLiteral("N"),
                                   QStringLiteral("768"));
-    opciones.addOptions({configuracion, salida, ancho, alto});
+    const QCommandLineOption conexion(QStringLiteral("mensaje-conexion"));
+    opciones.addOptions({configuracion, salida, ancho, alto, conexion});
     opciones.process(aplicacion);
 
     aplicaHojaEstilo(aplicacion);
@@ -112,15 +176,15 @@ int main(int argc, char* argv[]) {
     Fotografo foto(ventana, opciones.value(salida),
                    opciones.value(ancho) + QLatin1Char('x') + opciones.value(alto));
 
+    if (opciones.isSet(conexion)) return mensajeDeConexion(ventana, foto);
+
     foto.toma(QStringLiteral("acceso"));
     QTest::mouseClick(control<QPushButton>(ventana, "EtiquetaTerminosYCondiciones"),
                       Qt::LeftButton);
     foto.toma(QStringLiteral("terminos"));
     ventana.regresa();
 
-    control<QLineEdit>(ventana, "NombreUsuario")->setText(QStringLiteral("admin"));
-    control<QLineEdit>(ventana, "ContrasenaUsuario")->setText(QStringLiteral("admin"));
-    QTest::mouseClick(control<QPushButton>(ventana, "AuthenticateRectBTN"), Qt::LeftButton);
+    ingresa(ventana, QStringLiteral("admin"), QStringLiteral("admin"));
     if (!espera([&] { return control<QListWidget>(ventana, "ListaEmpresas")->isVisible(); })) {
         std::fprintf(stderr, "No se llegó a la lista de empresas: %s\n",
                      qPrintable(Mensajes::ultimos().join(QStringLiteral(" | "))));
@@ -178,5 +242,8 @@ int main(int argc, char* argv[]) {
     const QStringList mensajes = Mensajes::ultimos();
     if (!mensajes.isEmpty())
         std::printf("Mensajes mostrados: %s\n", qPrintable(mensajes.join(QStringLiteral(" | "))));
-    return 0;
+    // El menú depende de los derechos del perfil: también el del cajero y el del mesero.
+    const bool otros = menuDe(ventana, foto, QStringLiteral("cajero")) &&
+                       menuDe(ventana, foto, QStringLiteral("mesero"));
+    return otros ? 0 : 1;
 }

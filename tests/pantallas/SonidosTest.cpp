@@ -2,11 +2,11 @@
 // un equipo sin audio.
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QHeaderView>
 #include <QImage>
@@ -14,8 +14,10 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QSoundEffect>
 #include <QTableView>
 #include <QTest>
+#include <QUrl>
 
 #include "pantallas/HojaEstilo.h"
 #include "pantallas/Sonidos.h"
@@ -34,27 +36,23 @@ const std::pair<Sonido, const char*> kSonidos[] = {
     {Sonido::ComandaNueva, "ComandaNueva.mp3"},
     {Sonido::FinalizarComanda, "FinalizarComanda.mp3"}};
 
-TEST(Sonidos, CadaUnoTieneSuMp3EnLosRecursos) {
+// El sistema los nombra por su MP3; lo que suena es el WAV de al lado, y debe cargar.
+TEST(Sonidos, CadaUnoTieneSuWavEnLosRecursosYCarga) {
+    std::vector<std::unique_ptr<QSoundEffect>> efectos;
     for (const auto& [sonido, nombre] : kSonidos) {
         SCOPED_TRACE(nombre);
         EXPECT_EQ(Sonidos::archivo(sonido), QString(nombre));
-        QFile archivo(QStringLiteral(":/sonidos/") + Sonidos::archivo(sonido));
+        const QString wav = QString(nombre).replace(QLatin1String(".mp3"), QLatin1String(".wav"));
+        QFile archivo(QStringLiteral(":/sonidos/") + wav);
         ASSERT_TRUE(archivo.open(QIODevice::ReadOnly));
-        const QByteArray datos = archivo.readAll();
-        EXPECT_GT(datos.size(), 500);
-        EXPECT_LT(datos.size(), 40 * 1024);
-        qsizetype inicio = 0;
-        if (datos.startsWith("ID3") && datos.size() > 10) // se salta la etiqueta ID3v2
-            inicio = 10 + ((datos[6] & 0x7F) << 21 | (datos[7] & 0x7F) << 14 |
-                           (datos[8] & 0x7F) << 7 | (datos[9] & 0x7F));
-        ASSERT_LT(inicio + 4, datos.size());
-        const auto byte = [&](qsizetype i) {
-            return static_cast<unsigned char>(datos[inicio + i]);
-        };
-        EXPECT_EQ(byte(0), 0xFF);            // sincronía de cuadro
-        EXPECT_EQ(byte(1) & 0xFE, 0xFA);     // MPEG-1 capa III
-        EXPECT_EQ((byte(2) >> 2) & 0x03, 0); // 44.1 kHz
-        EXPECT_EQ(byte(3) >> 6, 3);          // mono
+        EXPECT_LT(archivo.size(), 40 * 1024); // pequeños: van dentro del ejecutable
+        efectos.push_back(std::make_unique<QSoundEffect>());
+        efectos.back()->setSource(QUrl(QStringLiteral("qrc:/sonidos/") + wav));
+    }
+    for (const auto& efecto : efectos) {
+        SCOPED_TRACE(qPrintable(efecto->source().toString()));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return efecto->status() != QSoundEffect::Loading; }));
+        EXPECT_EQ(efecto->status(), QSoundEffect::Ready);
     }
 }
 
@@ -87,23 +85,28 @@ void cuentaMensajes(QtMsgType tipo, const QMessageLogContext& contexto, const QS
     manejadorPrevio(tipo, contexto, texto);
 }
 
-TEST(Sonidos, DeVerdadSinDispositivoNiFallaNiBloqueaNiLlenaLaBitacora) {
+// Sonidos de verdad (con o sin dispositivo): todos, dos encimados y la misma tecla otra vez, y el
+// sistema de sonido destruido a media reproducción, en distintos momentos (cargando, recién
+// cargado, sonando). Es lo que pasa al salir del programa justo después de "Salir".
+TEST(Sonidos, DeVerdadEncimadosYDestruidosAMediaReproduccionNiFallanNiLlenanLaBitacora) {
     Sonidos::modoPrueba(false);
     Sonidos::activa(true);
     manejadorPrevio = qInstallMessageHandler(cuentaMensajes);
-    QElapsedTimer reloj;
-    reloj.start();
-    for (const auto& [sonido, nombre] : kSonidos)
-        Sonidos::reproduce(sonido);
-    Sonidos::reproduce(Sonido::Click); // otra pulsación mientras suena: vuelve a empezar
-    const qint64 enLlamadas = reloj.elapsed();
-    QTest::qWait(200);
-    Sonidos::reproduce(Sonido::Click); // reutiliza el reproductor ya terminado
-    QTest::qWait(50);
+    for (int vuelta = 0; vuelta < 40; ++vuelta) {
+        for (const auto& [sonido, nombre] : kSonidos)
+            Sonidos::reproduce(sonido);
+        Sonidos::reproduce(Sonido::ComandaNueva); // encima de FinalizarComanda, que sigue
+        Sonidos::reproduce(Sonido::Click);        // otra pulsación: vuelve a empezar
+        QTest::qWait(vuelta % 8 * 5);
+        ASSERT_TRUE(Sonidos::sonando()) << "vuelta " << vuelta;
+        Sonidos::libera();
+        EXPECT_FALSE(Sonidos::sonando());
+    }
+    Sonidos::reproduce(Sonido::Salir); // el último queda sonando para ~QApplication
+    QTest::qWait(20);
     qInstallMessageHandler(manejadorPrevio);
     Sonidos::activa(false);
 
-    EXPECT_LT(enLlamadas, 2000); // incluye cargar el respaldo de Qt Multimedia una vez
     EXPECT_LE(mensajes, 1);
     EXPECT_TRUE(Sonidos::reproducidos().isEmpty()); // fuera del modo de prueba no se anota
 }
@@ -134,21 +137,17 @@ TEST(Imagenes, CadaNombreSeDibujaAlTamanoPedido) {
     EXPECT_TRUE(imagen("NoExiste", QSize(24, 24)).isNull());
 }
 
-TEST(HojaEstilo, TieneAcentoVocabularioEImagenesQueExisten) {
+TEST(HojaEstilo, LasImagenesQueNombraExisten) {
     const QString hoja = hojaEstilo();
     ASSERT_FALSE(hoja.isEmpty());
-    EXPECT_TRUE(hoja.contains(QString(ColorAcento), Qt::CaseInsensitive));
-    for (const char* regla :
-         {"QPushButton[estilo=\"primario\"]", "QPushButton[estilo=\"peligro\"]",
-          "QPushButton[estilo=\"mosaico\"]", "QPushButton[estilo=\"enlace\"]",
-          "QLabel[estilo=\"titulo\"]", "QLabel[estilo=\"subtitulo\"]", "QLabel[estilo=\"pie\"]",
-          "QLabel[estilo=\"dato\"]", "QFrame[estilo=\"tarjeta\"]", "QFrame[estilo=\"barra\"]"})
-        EXPECT_TRUE(hoja.contains(QString(regla))) << regla;
     auto urls = QRegularExpression(QStringLiteral("url\\((:[^)]+)\\)")).globalMatch(hoja);
+    int imagenes = 0;
     while (urls.hasNext()) {
         const QString ruta = urls.next().captured(1);
         EXPECT_TRUE(QFile::exists(ruta)) << qPrintable(ruta);
+        ++imagenes;
     }
+    EXPECT_GT(imagenes, 0);
 }
 
 class HojaAplicada : public ::testing::Test {
@@ -163,7 +162,6 @@ protected:
 };
 
 TEST_F(HojaAplicada, PonEstiloDespuesDeMostrarSeVe) {
-    EXPECT_EQ(QApplication::font().pointSize(), 11);
     auto* boton = new QPushButton(QStringLiteral("Ingresar"), &ventana_);
     boton->setGeometry(10, 10, 160, 48);
     auto* etiqueta = new QLabel(QStringLiteral("Cajaplex"), &ventana_);
@@ -175,7 +173,6 @@ TEST_F(HojaAplicada, PonEstiloDespuesDeMostrarSeVe) {
     ponEstilo(boton, "primario");
     ponEstilo(etiqueta, "titulo");
     EXPECT_EQ(fondo(), QString(ColorAcento).toLower());
-    EXPECT_EQ(etiqueta->font().pointSize(), 18);
     ponEstilo(boton, "peligro");
     EXPECT_EQ(fondo(), "#ffffff");
 }
