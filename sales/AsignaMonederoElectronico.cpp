@@ -4,14 +4,13 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
 #include <QScroller>
 #include <QStackedWidget>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtDebug>
@@ -23,6 +22,7 @@
 #include "datos/ModuloDatos.h"
 #include "datos/Utilerias.h"
 #include "pantallas/HojaEstilo.h"
+#include "pantallas/LectorRenglones.h"
 #include "pantallas/Leyenda.h"
 #include "pantallas/Sonidos.h"
 
@@ -41,11 +41,8 @@ QString textoPorcentaje(double porcentaje) {
     return QLocale::c().toString(porcentaje, 'f', 2);
 }
 
-QTableWidgetItem* celda(const QString& texto, Qt::Alignment alineacion = Qt::AlignLeft) {
-    auto* item = new QTableWidgetItem(texto);
-    item->setTextAlignment(alineacion | Qt::AlignVCenter);
-    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-    return item;
+QString textoPorcentajeMonedero(double porcentaje) {
+    return textoPorcentaje(porcentaje) + QLatin1Char('%');
 }
 
 } // namespace
@@ -70,6 +67,25 @@ QString sqlAsignaMonedero(int64_t empresaID, int64_t lineaID, double porcentaje)
     return QStringLiteral(" Update Productos Set") + valores +
            QStringLiteral(" Where empresaID = ") + numeroSql(empresaID) +
            filtroLinea(QStringLiteral("linea"), lineaID);
+}
+
+std::vector<ProductoMonedero> productosMonedero(const Registros& registros) {
+    const LectorRenglones lector(registros);
+    const auto [cClave, cProducto, cUnidad, cBonifica, cPorcentaje] = lector.columnas(
+        {"Clave", "producto", "unidad", "bonificaPuntos", "porcentajeBonificacion"});
+    std::vector<ProductoMonedero> productos;
+    productos.reserve(lector.renglones());
+    for (size_t f = 0; f < lector.renglones(); ++f) {
+        ProductoMonedero p;
+        p.clave = lector.campo(f, cClave).comoTexto();
+        p.producto = lector.campo(f, cProducto).comoTexto();
+        p.unidad = lector.campo(f, cUnidad).comoTexto();
+        // Un producto que no bonifica muestra 0 aunque conserve un por ciento anterior.
+        if (lector.campo(f, cBonifica).comoEntero() != 0)
+            p.porcentaje = lector.campo(f, cPorcentaje).comoReal();
+        productos.push_back(std::move(p));
+    }
+    return productos;
 }
 
 TAsignaMonederoElectronicoF::TAsignaMonederoElectronicoF(const Sesion& sesion, QWidget* padre)
@@ -166,23 +182,22 @@ QWidget* TAsignaMonederoElectronicoF::creaPaginaProductos() {
     pagina->setObjectName(QStringLiteral("ProductosMonedero"));
     resumen_ = creaEtiqueta({}, QStringLiteral("ResumenMonedero"), "subtitulo", pagina);
 
-    productos_ = new QTableWidget(0, 4, pagina);
-    productos_->setObjectName(QStringLiteral("Productos"));
-    productos_->setHorizontalHeaderLabels({QStringLiteral("Clave"), QStringLiteral("Descripción"),
-                                           QStringLiteral("Unidad"), QStringLiteral("Porcentaje")});
+    auto producto = [this](int fila) -> const ProductoMonedero& {
+        return productosListados_[static_cast<size_t>(fila)];
+    };
+    modelo_ = new ModeloTabla(
+        {{QStringLiteral("Clave"), [producto](int f) { return producto(f).clave; }},
+         {QStringLiteral("Descripción"), [producto](int f) { return producto(f).producto; }},
+         {QStringLiteral("Unidad"), [producto](int f) { return producto(f).unidad; }},
+         ModeloTabla::numerica(
+             QStringLiteral("Porcentaje"), [producto](int f) { return producto(f).porcentaje; },
+             textoPorcentajeMonedero)},
+        this);
+    productos_ = creaVistaTabla(QStringLiteral("Productos"), modelo_, kAltoRenglon, pagina);
     productos_->setColumnWidth(0, 80);
     productos_->setColumnWidth(1, 250);
     productos_->setColumnWidth(2, 100);
     productos_->setColumnWidth(3, 130);
-    productos_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    productos_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    productos_->setSelectionMode(QAbstractItemView::SingleSelection);
-    productos_->setAlternatingRowColors(true);
-    productos_->setWordWrap(false);
-    productos_->verticalHeader()->hide();
-    productos_->verticalHeader()->setDefaultSectionSize(kAltoRenglon);
-    productos_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    QScroller::grabGesture(productos_->viewport(), QScroller::LeftMouseButtonGesture);
 
     pie_ = creaEtiqueta(QStringLiteral("Total Productos: 0"), QStringLiteral("PieProductos"), "pie",
                         pagina);
@@ -267,41 +282,31 @@ void TAsignaMonederoElectronicoF::GrupoBotonSiguienteClick() {
 void TAsignaMonederoElectronicoF::CargaProductosTimer(const Solicitud& solicitud) {
     Consulta consulta(ModuloDeDatos.ConexionBD,
                       sqlProductosMonedero(sesion_.EmpresaID, solicitud.lineaID));
+    std::vector<ProductoMonedero> productos;
     try {
         consulta.abre();
+        productos = productosMonedero(consulta.registros());
     } catch (const ErrorServicio& e) {
         error(QString::fromUtf8(MensajeErrorLectura));
         qWarning() << "Asigna Monedero Electrónico, productos:" << e.mensaje();
         return;
     }
-    if (consulta.numeroRegistros() == 0) {
+    if (productos.empty()) {
         error(QStringLiteral("No hay productos para incrementar monedero electrónico"));
         return;
     }
     solicitud_ = solicitud;
-    productos_->clearContents();
-    productos_->setRowCount(consulta.numeroRegistros());
-    int fila = 0;
-    for (const Registro r : consulta) {
-        // Un producto que no bonifica muestra 0 aunque conserve un por ciento anterior.
-        const double actual = r.campo(QStringLiteral("bonificaPuntos")).comoEntero() != 0
-                                  ? r.campo(QStringLiteral("porcentajeBonificacion")).comoReal()
-                                  : 0.0;
-        productos_->setItem(fila, 0, celda(r.campo(QStringLiteral("Clave")).comoTexto()));
-        productos_->setItem(fila, 1, celda(r.campo(QStringLiteral("producto")).comoTexto()));
-        productos_->setItem(fila, 2, celda(r.campo(QStringLiteral("unidad")).comoTexto()));
-        QTableWidgetItem* porcentaje =
-            celda(textoPorcentaje(actual) + QLatin1Char('%'), Qt::AlignRight);
-        porcentaje->setData(Qt::UserRole, actual);
-        productos_->setItem(fila, 3, porcentaje);
-        ++fila;
-    }
-    productos_->scrollToTop();
-    pie_->setText(QStringLiteral("Total Productos: ") + QString::number(fila));
+    llenaProductos(std::move(productos));
     resumen_->setText(QStringLiteral("Línea: ") + solicitud.linea +
                       QStringLiteral("   Porcentaje Nuevo: ") +
                       textoPorcentaje(solicitud.porcentaje) + QLatin1Char('%'));
     muestraPagina(PaginaProductos);
+}
+
+void TAsignaMonederoElectronicoF::llenaProductos(std::vector<ProductoMonedero> productos) {
+    const int cuantos = modelo_->reemplaza(productosListados_, std::move(productos));
+    productos_->scrollToTop();
+    pie_->setText(QStringLiteral("Total Productos: ") + QString::number(cuantos));
 }
 
 void TAsignaMonederoElectronicoF::ActualizaMonederoTimer() {
@@ -325,8 +330,7 @@ void TAsignaMonederoElectronicoF::ActualizaMonederoTimer() {
         return;
     }
     solicitud_.reset();
-    productos_->setRowCount(0);
-    pie_->setText(QStringLiteral("Total Productos: 0"));
+    llenaProductos({});
     mensajes_.muestra(QStringLiteral("Proceso finalizado con éxito"));
     muestraPagina(PaginaParametros);
 }

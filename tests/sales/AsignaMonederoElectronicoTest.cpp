@@ -11,7 +11,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStackedWidget>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -92,19 +92,24 @@ TEST_F(AsignaMonederoElectronicoTest, RevisaEnOrdenYConCeroApagaLaBonificacionDe
     parametros(*f, "Lácteos y Salchichonería", QStringLiteral("0"));
     siguiente(*f);
     ASSERT_EQ(pagina(*f), "ProductosMonedero");
-    auto* tabla = control<QTableWidget>(*f, "Productos");
+    auto* tabla = control<QTableView>(*f, "Productos");
+    const QAbstractItemModel* modelo = tabla->model();
     QStringList columnas;
-    for (int i = 0; i < tabla->columnCount(); ++i)
-        columnas << tabla->horizontalHeaderItem(i)->text();
+    for (int i = 0; i < modelo->columnCount(); ++i)
+        columnas << modelo->headerData(i, Qt::Horizontal).toString();
     EXPECT_EQ(columnas, (QStringList{"Clave", "Descripción", "Unidad", "Porcentaje"}));
     EXPECT_EQ(tabla->columnWidth(0), 80);
     EXPECT_EQ(tabla->columnWidth(1), 250);
     EXPECT_EQ(tabla->columnWidth(2), 100);
-    EXPECT_EQ(tabla->rowCount(), 5);
+    EXPECT_EQ(modelo->rowCount(), 5);
     EXPECT_EQ(control<QLabel>(*f, "PieProductos")->text(), "Total Productos: 5");
-    const auto huevo = tabla->findItems(QStringLiteral("4002"), Qt::MatchExactly).value(0);
-    ASSERT_NE(huevo, nullptr);
-    EXPECT_EQ(tabla->item(huevo->row(), 3)->text(), "2.00%");
+    const QModelIndex huevo = modelo
+                                  ->match(modelo->index(0, 0), Qt::DisplayRole,
+                                          QStringLiteral("4002"), 1, Qt::MatchExactly)
+                                  .value(0);
+    ASSERT_TRUE(huevo.isValid());
+    EXPECT_EQ(modelo->index(huevo.row(), 3).data().toString(), "2.00%");
+    EXPECT_EQ(modelo->index(huevo.row(), 3).data(Qt::UserRole).toDouble(), 2.0);
 
     Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
     siguiente(*f);
@@ -135,7 +140,7 @@ TEST_F(AsignaMonederoElectronicoTest, TodasLasLineasIncluyeInactivosSoloEnUnaEst
     parametros(*f, "TODAS LAS LÍNEAS", QStringLiteral("3.5"));
     siguiente(*f);
     ASSERT_EQ(pagina(*f), "ProductosMonedero");
-    EXPECT_EQ(control<QTableWidget>(*f, "Productos")->rowCount(),
+    EXPECT_EQ(control<QTableView>(*f, "Productos")->model()->rowCount(),
               c.cuenta("Productos Where empresaID = 1 and activo = 1"));
 
     Mensajes::respondeSiguiente(cajaplex::Respuesta::Aceptar);
