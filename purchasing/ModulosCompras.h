@@ -1,0 +1,8 @@
+#pragma once
+
+namespace cajaplex {
+
+// Agrega al registro de módulos las pantallas de compras: "Compras" y "Proveedores".
+void registraModulosCompras();
+
+} // namespace cajaplex

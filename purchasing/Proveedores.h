@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "datos/Sesion.h"
+#include "pantallas/ListaEdicion.h"
+#include "purchasing/CatalogoProveedores.h"
+
+class QLineEdit;
+class QTimer;
+
+namespace cajaplex {
+
+// Alta o cambio de un proveedor: nombre, RFC, domicilio, contacto y límite de crédito.
+class TProveedoresEditaF : public TEdicionCatalogoF {
+    Q_OBJECT
+public:
+    explicit TProveedoresEditaF(const Sesion& sesion, QWidget* padre = nullptr);
+
+    void nuevo();
+    void edita(const DatosProveedor& proveedor);
+
+protected:
+    QString almacena(int64_t& id) override;
+
+private:
+    void muestra(const DatosProveedor& proveedor);
+    DatosProveedor capturado() const;
+
+    CatalogoProveedores catalogo_;
+    std::optional<DatosProveedor> anterior_; // vacío: alta
+    QList<QLineEdit*> textos_;               // nombre, razón social, RFC, domicilio, contacto
+    QLineEdit* limiteCredito_;               // "limiteCredito"
+};
+
+// "Proveedores": la lista con búsqueda en el servicio, alta (con el derecho de compras
+// ProveedorNuevo), cambio y borrado.
+class TProveedoresF : public TListaCatalogoF {
+    Q_OBJECT
+public:
+    explicit TProveedoresF(const Sesion& sesion, QWidget* padre = nullptr);
+
+protected:
+    void CargaTimer(int64_t seleccion) override;
+    void actualizaAcciones() override;
+
+protected slots:
+    void BotonNuevoClick() override;
+    void BotonModificarClick() override;
+
+private slots:
+    void BotonBorrarClick();
+
+private:
+    std::optional<DatosProveedor> proveedorElegido() const;
+    void EliminaProveedorTimer(const DatosProveedor& proveedor);
+
+    const Sesion& sesion_;
+    CatalogoProveedores catalogo_;
+    std::vector<DatosProveedor> proveedores_;
+    QLineEdit* buscar_;           // "BuscarProveedor"
+    QTimer* pausaBusqueda_;       // busca al dejar de teclear
+    QPushButton* nuevo_;          // "BotonNuevo"
+    QPushButton* borrar_;         // "BotonBorrar"
+    TProveedoresEditaF* edicion_; // "ProveedoresEdita"
+};
+
+} // namespace cajaplex
