@@ -1,28 +1,29 @@
 #include "security/Auditorias.h"
 
-#include <algorithm>
+#include <vector>
 
-#include <QAbstractItemView>
-#include <QAbstractTextDocumentLayout>
+#include <QAbstractListModel>
 #include <QCalendarWidget>
 #include <QDateEdit>
 #include <QDateTime>
 #include <QFrame>
 #include <QGridLayout>
+#include <QHash>
+#include <QIcon>
 #include <QLabel>
-#include <QListWidget>
-#include <QPainter>
+#include <QListView>
 #include <QPushButton>
 #include <QScroller>
-#include <QStyledItemDelegate>
-#include <QTextDocument>
 #include <QVBoxLayout>
 #include <QtDebug>
 
 #include "datos/Auditoria.h"
 #include "datos/ModuloDatos.h"
+#include "pantallas/DelegadoRenglon.h"
 #include "pantallas/HojaEstilo.h"
+#include "pantallas/LectorRenglones.h"
 #include "pantallas/Leyenda.h"
+#include "pantallas/RolesRenglon.h"
 #include "pantallas/Sonidos.h"
 
 namespace cajaplex {
@@ -35,70 +36,102 @@ const char* const SqlConsultaBitacoras =
     "date(:fechaFin) Order by A.moduloSistema, A.fechaOperacion";
 
 const QString kFormatoFecha = QStringLiteral("dd/MM/yyyy");
+constexpr int kIcono = 48;
 
-// Lo que viene de la base se muestra tal cual, nunca como marcas.
-QString comoHtml(const QString& texto) {
-    return texto.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
-}
+} // namespace
 
-// Pinta cada renglón como texto enriquecido con la imagen de su tipo a la izquierda. Renglones
-// altos y de todo el ancho para que se lean y se deslicen con el dedo.
-class DelegadoBitacora final : public QStyledItemDelegate {
+// Los renglones de la bitácora ya leídos, pintados por DelegadoRenglon: todos miden lo mismo y se
+// pintan con texto simple, así un mes de decenas de miles se lista y se desliza sin esperar. Lo que
+// cuesta (fecha, textos, icono) se arma solo para los renglones que la vista pide.
+class TAuditoriasF::Modelo final : public QAbstractListModel {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using QAbstractListModel::QAbstractListModel;
 
-    void paint(QPainter* pintor, const QStyleOptionViewItem& opcion,
-               const QModelIndex& indice) const override {
-        QStyleOptionViewItem o = opcion;
-        initStyleOption(&o, indice);
-        const QWidget* vista = o.widget;
-        QStyle* estilo = vista ? vista->style() : nullptr;
-        if (estilo) estilo->drawPrimitive(QStyle::PE_PanelItemViewItem, &o, pintor, vista);
-
-        const bool elegido = o.state.testFlag(QStyle::State_Selected);
-        const QRect rectIcono(o.rect.left() + kMargen,
-                              o.rect.top() + (o.rect.height() - kIcono) / 2, kIcono, kIcono);
-        o.icon.paint(pintor, rectIcono, Qt::AlignCenter, elegido ? QIcon::Selected : QIcon::Normal);
-
-        QTextDocument documento;
-        prepara(documento, o, indice, o.rect.width());
-        QAbstractTextDocumentLayout::PaintContext contexto;
-        contexto.palette = o.palette;
-        contexto.palette.setColor(
-            QPalette::Text, o.palette.color(elegido ? QPalette::HighlightedText : QPalette::Text));
-        const int arriba =
-            std::max(kMargen, (o.rect.height() - static_cast<int>(documento.size().height())) / 2);
-        pintor->save();
-        pintor->translate(o.rect.left() + kIcono + 2 * kMargen, o.rect.top() + arriba);
-        contexto.clip = QRectF(0, 0, documento.textWidth(), o.rect.height() - arriba);
-        pintor->setClipRect(contexto.clip);
-        documento.documentLayout()->draw(pintor, contexto);
-        pintor->restore();
+    void asigna(const Registros& registros) {
+        const LectorRenglones lector(registros);
+        const auto [cModulo, cTipo, cUsuario, cDato, cNota, cFecha] =
+            lector.columnas({"moduloSistema", "tipoAuditoria", "Usuario", "datoNuevo",
+                             "comentarios", "fechaOperacion"});
+        std::vector<Bitacora> bitacoras;
+        bitacoras.reserve(lector.renglones());
+        for (size_t f = 0; f < lector.renglones(); ++f) {
+            auto texto = [&](size_t c) { return lector.campo(f, c).comoTexto(); };
+            bitacoras.push_back({texto(cModulo), texto(cTipo), texto(cUsuario), texto(cDato),
+                                 texto(cNota), lector.valor(f, cFecha)});
+        }
+        beginResetModel();
+        bitacoras_ = std::move(bitacoras);
+        endResetModel();
     }
 
-    QSize sizeHint(const QStyleOptionViewItem& opcion, const QModelIndex& indice) const override {
-        const auto* vista = qobject_cast<const QAbstractItemView*>(opcion.widget);
-        const int ancho = vista ? vista->viewport()->width() : 480;
-        QTextDocument documento;
-        prepara(documento, opcion, indice, ancho);
-        const int alto = static_cast<int>(documento.size().height()) + 2 * kMargen;
-        return {ancho, std::max(kAltoMinimo, alto)};
+    int rowCount(const QModelIndex& padre = {}) const override {
+        return padre.isValid() ? 0 : static_cast<int>(bitacoras_.size());
+    }
+
+    QVariant data(const QModelIndex& indice, int rol) const override {
+        if (!indice.isValid() || indice.row() >= rowCount()) return {};
+        const Bitacora& b = bitacoras_[static_cast<size_t>(indice.row())];
+        switch (rol) {
+        case RolPrimeraLinea:
+        case RolModulo:
+            return b.modulo;
+        case RolDatoDerecha:
+            return textoFecha(b);
+        case RolSegundaLinea:
+            return segundaLinea(b);
+        case Qt::ToolTipRole:
+            return QStringList{b.modulo, QStringLiteral("Usuario: ") + b.usuario, b.dato,
+                               textoFecha(b), QStringLiteral("Nota: ") + b.nota}
+                .join(QLatin1Char('\n'));
+        case Qt::DecorationRole:
+            return iconoDe(Auditoria::imagenDeTipo(b.tipo));
+        case RolTipo:
+            return b.tipo;
+        case RolImagen:
+            return Auditoria::imagenDeTipo(b.tipo);
+        case RolFecha:
+            return fecha(b);
+        default:
+            return {};
+        }
     }
 
 private:
-    static constexpr int kIcono = 48;
-    static constexpr int kMargen = 10;
-    static constexpr int kAltoMinimo = 72;
+    struct Bitacora {
+        QString modulo;
+        QString tipo;
+        QString usuario;
+        QString dato;
+        QString nota;
+        protocolo::Valor fecha; // se interpreta al pintarse
+    };
 
-    static void prepara(QTextDocument& documento, const QStyleOptionViewItem& opcion,
-                        const QModelIndex& indice, int ancho) {
-        documento.setDefaultFont(opcion.font);
-        documento.setHtml(indice.data(TAuditoriasF::RolTexto).toString());
-        documento.setTextWidth(std::max(80, ancho - kIcono - 3 * kMargen));
+    static QDateTime fecha(const Bitacora& b) { return Campo(QString(), &b.fecha).comoFecha(); }
+
+    static QString textoFecha(const Bitacora& b) {
+        const QDateTime f = fecha(b);
+        return f.isValid() ? f.toString(kFormatoFecha + QStringLiteral(" HH:mm:ss"))
+                           : Campo(QString(), &b.fecha).comoTexto();
     }
-};
 
-} // namespace
+    // Una sola línea: lo guardado en varias se junta con espacios.
+    static QString segundaLinea(const Bitacora& b) {
+        QStringList partes{QStringLiteral("Usuario: ") + b.usuario};
+        if (!b.dato.isEmpty()) partes << b.dato.simplified();
+        if (!b.nota.isEmpty()) partes << QStringLiteral("Nota: ") + b.nota.simplified();
+        return partes.join(QStringLiteral("   "));
+    }
+
+    // Pocas imágenes distintas para muchos renglones: cada una se carga una vez.
+    QIcon iconoDe(const QString& imagen) const {
+        auto it = iconos_.constFind(imagen);
+        if (it == iconos_.constEnd()) it = iconos_.insert(imagen, icono(imagen));
+        return it.value();
+    }
+
+    std::vector<Bitacora> bitacoras_;
+    mutable QHash<QString, QIcon> iconos_;
+};
 
 TAuditoriasF::TAuditoriasF(const Sesion& sesion, QWidget* padre)
     : QWidget(padre), sesion_(sesion),
@@ -111,11 +144,16 @@ TAuditoriasF::TAuditoriasF(const Sesion& sesion, QWidget* padre)
     titulo_->setTextFormat(Qt::PlainText);
     ponEstilo(titulo_, "titulo");
 
-    lista_ = new QListWidget(this);
+    modelo_ = new Modelo(this);
+    lista_ = new QListView(this);
     lista_->setObjectName(QStringLiteral("ListaBitacoras"));
-    lista_->setItemDelegate(new DelegadoBitacora(lista_));
-    lista_->setIconSize(QSize(48, 48));
-    lista_->setResizeMode(QListView::Adjust); // la altura de cada renglón depende del ancho
+    lista_->setModel(modelo_);
+    lista_->setItemDelegate(new DelegadoRenglon(kIcono, lista_));
+    lista_->setIconSize(QSize(kIcono, kIcono));
+    // Todos los renglones miden lo mismo: la vista no mide miles de renglones uno por uno.
+    lista_->setUniformItemSizes(true);
+    lista_->setSelectionMode(QAbstractItemView::SingleSelection);
+    lista_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     lista_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     lista_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     QScroller::grabGesture(lista_->viewport(), QScroller::LeftMouseButtonGesture);
@@ -202,6 +240,7 @@ void TAuditoriasF::ConsultaBitacorasTimer() {
         ConsultaBitacoras.parametro(QStringLiteral("fechaFin"))
             .texto(fin_.toString(QStringLiteral("yyyy-MM-dd")));
         ConsultaBitacoras.abre();
+        modelo_->asigna(ConsultaBitacoras.registros());
     } catch (const ErrorServicio& e) {
         // Lo listado antes y las fechas se quedan como estaban, para intentar de nuevo.
         Sonidos::reproduce(Sonido::Error);
@@ -213,37 +252,12 @@ void TAuditoriasF::ConsultaBitacorasTimer() {
 }
 
 void TAuditoriasF::llenaLista() {
-    lista_->clear();
-    for (const Registro& renglon : ConsultaBitacoras) {
-        const QString modulo = renglon.campo(QStringLiteral("moduloSistema")).comoTexto();
-        const QString tipo = renglon.campo(QStringLiteral("tipoAuditoria")).comoTexto();
-        const Campo campoFecha = renglon.campo(QStringLiteral("fechaOperacion"));
-        const QDateTime fecha = campoFecha.comoFecha();
-        const QString textoFecha = fecha.isValid()
-                                       ? fecha.toString(kFormatoFecha + QStringLiteral(" HH:mm:ss"))
-                                       : campoFecha.comoTexto();
-        const QString texto =
-            QStringLiteral(
-                "<b>%1</b><br>Usuario: %2<br>%3<b><br><font color=\"#1E90FF\">%4</font></b>"
-                "<br>Nota: %5")
-                .arg(comoHtml(modulo),
-                     comoHtml(renglon.campo(QStringLiteral("Usuario")).comoTexto()),
-                     comoHtml(renglon.campo(QStringLiteral("datoNuevo")).comoTexto()),
-                     comoHtml(textoFecha),
-                     comoHtml(renglon.campo(QStringLiteral("comentarios")).comoTexto()));
-        const QString imagenTipo = Auditoria::imagenDeTipo(tipo);
-        auto* item = new QListWidgetItem(icono(imagenTipo), QString(), lista_);
-        item->setData(RolModulo, modulo);
-        item->setData(RolTipo, tipo);
-        item->setData(RolImagen, imagenTipo);
-        item->setData(RolFecha, fecha);
-        item->setData(RolTexto, texto);
-    }
-
+    // Lo leído ya está en el modelo: no se guarda dos veces.
+    ConsultaBitacoras.cierra();
     titulo_->setText(QStringLiteral("Bitácoras ") + inicio_.toString(kFormatoFecha) +
                      QStringLiteral(" al ") + fin_.toString(kFormatoFecha));
-    pie_->setText(QStringLiteral("Número de Registros: ") + QString::number(lista_->count()));
-    if (lista_->count() == 0) {
+    pie_->setText(QStringLiteral("Número de Registros: ") + QString::number(modelo_->rowCount()));
+    if (modelo_->rowCount() == 0) {
         Sonidos::reproduce(Sonido::Error);
         mensajes_.muestra(QStringLiteral("No hubo resultados con esa información"));
         return;

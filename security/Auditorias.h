@@ -9,7 +9,7 @@
 
 class QDateEdit;
 class QLabel;
-class QListWidget;
+class QListView;
 class QPushButton;
 
 namespace cajaplex {
@@ -21,14 +21,14 @@ class TAuditoriasF : public QWidget {
 public:
     explicit TAuditoriasF(const Sesion& sesion, QWidget* padre = nullptr);
 
-    // Lo que cada renglón de "ListaBitacoras" guarda además de lo que se ve. La imagen está
-    // también como icono del renglón (vacío si la imagen no existe).
+    // Lo que cada renglón de "ListaBitacoras" guarda además de lo que se ve (RolesRenglon.h:
+    // módulo, fecha a la derecha; usuario, dato y nota debajo). La imagen está también como
+    // icono del renglón (nulo si la imagen no existe).
     enum RolBitacora {
         RolModulo = Qt::UserRole, // moduloSistema
         RolTipo,                  // tipoAuditoria, con acentos
         RolImagen,                // nombre de la imagen del tipo ("Insercion"...)
         RolFecha,                 // fechaOperacion (QDateTime)
-        RolTexto,                 // el texto enriquecido que se pinta
     };
 
 private slots:
@@ -38,6 +38,8 @@ private slots:
 private:
     QWidget* creaRango();
     void llenaLista();
+
+    class Modelo;
 
     const Sesion& sesion_;
     Mensajes mensajes_{this};
@@ -49,8 +51,9 @@ private:
     QDateEdit* fechaFin_;    // objectName "FechaFin"
     QPushButton* mostrar_;   // objectName "MostrarResultados"
     QLabel* titulo_;         // objectName "TituloBitacoras"
-    QListWidget* lista_;     // objectName "ListaBitacoras"
-    QLabel* pie_;            // objectName "PieBitacoras"
+    Modelo* modelo_;
+    QListView* lista_; // objectName "ListaBitacoras"
+    QLabel* pie_;      // objectName "PieBitacoras"
 };
 
 } // namespace cajaplex

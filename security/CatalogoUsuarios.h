@@ -27,9 +27,9 @@ inline constexpr const char* MensajeUltimoAdministrador =
     "No puede quitar al último Administrador activo";
 inline constexpr const char* MensajeDesactivarseASiMismo = "No puede desactivar su propio Usuario";
 
-// El valor con que se guarda la contraseña: el único lugar que cambia si se guarda cifrada.
-// Debe compararse igual que en las consultas del inicio de sesión.
-inline constexpr const char* SqlValorContrasena = ":Contrasena";
+// El valor con que se guarda la contraseña: su hash, calculado en el servicio. El inicio de
+// sesión lo compara con cajaplex_verifica.
+inline constexpr const char* SqlValorContrasena = "cajaplex_hash(:Contrasena)";
 
 struct DatosUsuario {
     int64_t usuarioID = 0; // 0: alta

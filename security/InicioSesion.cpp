@@ -14,7 +14,7 @@ namespace {
 
 const char* const SqlEsAdmin = " Select ifnull(esAdmin,0) as esAdmin from Usuarios"
                                " Where nUsuario = :Usuario"
-                               " and Contrasena = :Contrasena"
+                               " and cajaplex_verifica(:Contrasena, Contrasena) = 1"
                                " and ifnull(activo,0) = 1";
 
 // Empresas de un usuario según UsuariosEmpresa.
@@ -23,7 +23,7 @@ const char* const SqlEmpresasUsuario =
     "A.usuarioID as ID, 0 as ID2, B.Rfc, ifnull(B.esHombre, 1) as esHombre, "
     "D.controlRestaurantes, B.Logotipo1, A.nombre as NombreDeUsuario "
     "From Usuarios A, Empresa B, UsuariosEmpresa C, Configura D "
-    "Where A.nUsuario = :Usuario and A.Contrasena = :Contrasena "
+    "Where A.nUsuario = :Usuario and cajaplex_verifica(:Contrasena, A.Contrasena) = 1 "
     "and ifnull(A.activo,0) = 1 and ifnull(A.accesaMovil,0) = 1 and ifnull(B.activo,0) = 1 "
     "and A.UsuarioID = C.usuarioID and C.empresaID = B.empresaID and B.empresaID = D.empresaID "
     "order by B.empresaID";
@@ -34,7 +34,7 @@ const char* const SqlEmpresasAdmin =
     "A.usuarioID as ID, 1 as ID2, B.Rfc, ifnull(B.esHombre, 1) as esHombre, "
     "C.controlRestaurantes, B.Logotipo1, A.nombre as NombreDeUsuario "
     "From Usuarios A, Empresa B, Configura C "
-    "Where A.nUsuario = :Usuario and A.Contrasena = :Contrasena "
+    "Where A.nUsuario = :Usuario and cajaplex_verifica(:Contrasena, A.Contrasena) = 1 "
     "and ifnull(A.activo,0) = 1 and ifnull(A.accesaMovil,0) = 1 and ifnull(B.activo,0) = 1 "
     "and B.empresaID = C.empresaID "
     "order by B.empresaID";
@@ -75,7 +75,11 @@ ResultadoAcceso InicioSesion::valida(const DatosAcceso& datos) {
     try {
         if (!dispositivoAutorizado(conexion, dispositivoID_))
             return {QString::fromUtf8(MensajeDispositivoNoAutorizado) + dispositivoID_, {}};
-        empresas = consultaEmpresas(datos, consultaEsAdmin(datos));
+        const bool esAdmin = consultaEsAdmin(datos);
+        // Sin renglón la contraseña no es la suya (o el usuario no está activo): la consulta de
+        // empresas verificaría en balde otra vez, y contaría otro intento fallido en el freno.
+        if (esAdmin || !modulo_.TablaLogeoLocalBD.fin())
+            empresas = consultaEmpresas(datos, esAdmin);
     } catch (const ErrorServicio& e) {
         qWarning() << "Validación del usuario:" << e.mensaje();
         return {QString::fromUtf8(MensajeErrorLectura), {}};
@@ -84,8 +88,8 @@ ResultadoAcceso InicioSesion::valida(const DatosAcceso& datos) {
         ++intentosFallidos_;
         return {QStringLiteral("Usuario y/o Contraseña erróneas"), {}};
     }
+    // Solo el usuario: la contraseña no se conserva en la estación.
     usuarioAceptado_ = datos.usuario;
-    contrasenaAceptada_ = datos.contrasena;
     return {{}, empresas};
 }
 

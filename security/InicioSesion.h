@@ -51,7 +51,6 @@ private:
     QString dispositivoID_;
     int intentosFallidos_ = 0;
     QString usuarioAceptado_;
-    QString contrasenaAceptada_;
 };
 
 } // namespace cajaplex

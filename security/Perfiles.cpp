@@ -35,7 +35,7 @@ const QString kColorSinModulo = QStringLiteral("#7B8794");
 // ---------------------------------------------------------------------------------------------
 
 TPerfilesEditaF::TPerfilesEditaF(const Sesion& sesion, QWidget* padre)
-    : TEdicionUsuariosF(QStringLiteral("PerfilesEdita"), QStringLiteral("Perfiles de Usuario"),
+    : TEdicionCatalogoF(QStringLiteral("PerfilesEdita"), QStringLiteral("Perfiles de Usuario"),
                         padre),
       catalogo_(ModuloDeDatos.ConexionBD, sesion) {
     auto* contenido = new QWidget(this);
@@ -176,7 +176,7 @@ QString TPerfilesEditaF::almacena(int64_t& id) {
 // ---------------------------------------------------------------------------------------------
 
 TPerfilesF::TPerfilesF(const Sesion& sesion, QWidget* padre)
-    : TListaUsuariosF(QStringLiteral("Perfiles"), QStringLiteral("Perfil"),
+    : TListaCatalogoF(QStringLiteral("Perfiles"), QStringLiteral("Perfil"),
                       QStringLiteral("Perfiles de Usuario"), padre),
       catalogo_(ModuloDeDatos.ConexionBD, sesion) {
     capaLista_->insertWidget(
@@ -222,7 +222,7 @@ std::optional<Perfil> TPerfilesF::perfilElegido() const {
 }
 
 void TPerfilesF::actualizaAcciones() {
-    TListaUsuariosF::actualizaAcciones();
+    TListaCatalogoF::actualizaAcciones();
     borrar_->setEnabled(lista_->currentItem() != nullptr);
 }
 

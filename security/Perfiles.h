@@ -8,8 +8,8 @@
 #include <QList>
 
 #include "datos/Sesion.h"
+#include "pantallas/ListaEdicion.h"
 #include "security/CatalogoPerfiles.h"
-#include "security/UsuariosComunes.h"
 
 class QLineEdit;
 
@@ -18,7 +18,7 @@ namespace cajaplex {
 // Alta o cambio de un perfil: su nombre, las entradas del menú que permite (todas las que
 // registran los módulos, más las que el perfil ya tenía) y sus derechos de ventas, compras y
 // cuentas por cobrar.
-class TPerfilesEditaF : public TEdicionUsuariosF {
+class TPerfilesEditaF : public TEdicionCatalogoF {
     Q_OBJECT
 public:
     explicit TPerfilesEditaF(const Sesion& sesion, QWidget* padre = nullptr);
@@ -49,7 +49,7 @@ private:
 
 // "Perfiles de Usuario": la lista por nombre con alta, cambio y borrado. Un perfil que tiene algún
 // usuario no se borra.
-class TPerfilesF : public TListaUsuariosF {
+class TPerfilesF : public TListaCatalogoF {
     Q_OBJECT
 public:
     explicit TPerfilesF(const Sesion& sesion, QWidget* padre = nullptr);

@@ -30,7 +30,7 @@ const QString kColorInactivo = QStringLiteral("#C0392B");
 // ---------------------------------------------------------------------------------------------
 
 TUsuariosEditaF::TUsuariosEditaF(const Sesion& sesion, QWidget* padre)
-    : TEdicionUsuariosF(QStringLiteral("UsuariosEdita"), QStringLiteral("Usuarios"), padre),
+    : TEdicionCatalogoF(QStringLiteral("UsuariosEdita"), QStringLiteral("Usuarios"), padre),
       catalogo_(ModuloDeDatos.ConexionBD, sesion), perfiles_(ModuloDeDatos.ConexionBD, sesion) {
     auto* tarjeta = new QFrame(this);
     ponEstilo(tarjeta, "tarjeta");
@@ -198,7 +198,7 @@ QString TUsuariosEditaF::almacena(int64_t& id) {
 // ---------------------------------------------------------------------------------------------
 
 TUsuariosF::TUsuariosF(const Sesion& sesion, QWidget* padre)
-    : TListaUsuariosF(QStringLiteral("Usuarios"), QStringLiteral("Usuario"),
+    : TListaCatalogoF(QStringLiteral("Usuarios"), QStringLiteral("Usuario"),
                       QStringLiteral("Usuarios"), padre),
       catalogo_(ModuloDeDatos.ConexionBD, sesion) {
     buscar_ = new QLineEdit(pagina_);

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "datos/Sesion.h"
+#include "pantallas/ListaEdicion.h"
 #include "security/CatalogoPerfiles.h"
 #include "security/CatalogoUsuarios.h"
-#include "security/UsuariosComunes.h"
 
 class QComboBox;
 class QLineEdit;
@@ -16,7 +16,7 @@ namespace cajaplex {
 
 // Alta o cambio de un usuario: nombre de usuario, nombre completo, contraseña tecleada dos veces,
 // perfil, banderas y las empresas activas a las que puede entrar.
-class TUsuariosEditaF : public TEdicionUsuariosF {
+class TUsuariosEditaF : public TEdicionCatalogoF {
     Q_OBJECT
 public:
     explicit TUsuariosEditaF(const Sesion& sesion, QWidget* padre = nullptr);
@@ -53,7 +53,7 @@ private:
 
 // "Usuarios": la lista por nombre, con búsqueda, alta y cambio. Los usuarios no se borran: se
 // desactivan, porque sus documentos los nombran.
-class TUsuariosF : public TListaUsuariosF {
+class TUsuariosF : public TListaCatalogoF {
     Q_OBJECT
 public:
     explicit TUsuariosF(const Sesion& sesion, QWidget* padre = nullptr);

@@ -1,6 +1,9 @@
 #include "shell/Modulos.h"
 
 #include "catalog/ModulosCatalogo.h"
+#include "printing/ModulosImpresion.h"
+#include "purchasing/ModulosCompras.h"
+#include "restaurant/ModulosRestaurante.h"
 #include "sales/ModulosVentas.h"
 #include "security/ModulosSeguridad.h"
 
@@ -11,6 +14,9 @@ void registraModulos() {
         registraModulosVentas();
         registraModulosCatalogo();
         registraModulosSeguridad();
+        registraModulosImpresion();
+        registraModulosRestaurante();
+        registraModulosCompras();
         return true;
     }();
     (void)registrados;

@@ -1,5 +1,6 @@
 #include "shell/Principal.h"
 
+#include <exception>
 #include <utility>
 
 #include <QCloseEvent>
@@ -12,11 +13,13 @@
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QtDebug>
 
 #include "datos/ModuloDatos.h"
 #include "pantallas/HojaEstilo.h"
 #include "pantallas/Leyenda.h"
 #include "pantallas/Sonidos.h"
+#include "printing/PlantillasLocales.h"
 #include "security/InicioSesion.h"
 #include "shell/FrameLogeo.h"
 #include "shell/MenuPrimario.h"
@@ -58,9 +61,11 @@ QWidget* marcoDe(QWidget* pantalla, const QString& titulo, QPushButton*& regresa
 
 TCajaplexF::TCajaplexF(Instalacion instalacion, QWidget* padre)
     : QWidget(padre), instalacion_(std::move(instalacion)), ajustes_(instalacion_.carpeta) {
+    AjustesEstacion::ponCarpetaPredeterminada(ajustes_.carpeta());
     setObjectName(QStringLiteral("Cajaplex"));
     setWindowTitle(QStringLiteral("Cajaplex"));
     registraModulos();
+    avisaReintentosEscritura(ModuloDeDatos.ConexionBD);
     // Esc es "Regresar" en toda pantalla abierta (no en el acceso ni en el menú).
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     connect(escape, &QShortcut::activated, this, [this] {
@@ -90,6 +95,8 @@ void TCajaplexF::FormCreate() {
     // Los ajustes ya están abiertos (ajustes_) y se leen una sola vez.
     Sonidos::activa(ajustes_.utilizarSonidos());
 
+    // La base local es la de esta instalación: una abierta antes (otra carpeta) se cierra.
+    ModuloDeDatos.ConexionLocalBD.cierra();
     ModuloDeDatos.ArchivoLocalBD = buscaBaseLocal(ajustes_.carpeta());
     ModuloDeDatos.ContrasenaLocalBD = ajustes_.contrasenaBaseLocal();
     // Lo que falta se avisa, pero la ventana se muestra igual.
@@ -152,6 +159,13 @@ void TCajaplexF::abreSesion(const Sesion& sesion) {
     paginas_->setCurrentWidget(menu_);
     VentanaDeLogeo->muestraAcceso();
     VentanaDeLogeo->limpiaContrasena();
+    // Imprimir un ticket no debe esperar al servicio por su plantilla: la estación trae al entrar
+    // las que cambiaron. Si no puede, imprime con la copia que ya tenía.
+    try {
+        actualizaCopiaLocalPlantillas(ModuloDeDatos, sesion_);
+    } catch (const std::exception& e) {
+        qWarning() << "Copia local de plantillas:" << e.what();
+    }
 }
 
 void TCajaplexF::CerrarSesionClick() {

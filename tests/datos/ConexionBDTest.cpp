@@ -47,12 +47,13 @@ bool enviaTodo(int fd, const char* datos, size_t n) {
     return true;
 }
 
-// Reenvía al servicio por loopback y, una sola vez, cierra la conexión en lugar de entregar la
-// respuesta de la primera solicitud cuya línea lleva `marca`: el servicio ya la atendió (y
-// confirmó) pero la estación no se entera.
+// Reenvía al servicio por loopback y, `veces` veces, cierra la conexión en lugar de entregar la
+// respuesta de una solicitud cuya línea lleva `marca`: el servicio ya la atendió (y confirmó)
+// pero la estación no se entera.
 class ProxyQueCorta {
 public:
-    ProxyQueCorta(int destino, std::string marca) : destino_(destino), marca_(std::move(marca)) {
+    ProxyQueCorta(int destino, std::string marca, int veces = 1)
+        : destino_(destino), marca_(std::move(marca)), pendientes_(veces) {
         escucha_ = escuchaEnLoopback(puerto_);
         aceptador_ = std::thread([this] { acepta(); });
     }
@@ -92,8 +93,7 @@ private:
                     ssize_t n = recv(cliente, bufer, sizeof bufer, 0);
                     if (n <= 0) break;
                     const std::string trozo(bufer, static_cast<size_t>(n));
-                    if (trozo.find(marca_) != std::string::npos && pendiente_.exchange(false))
-                        cortar = true;
+                    if (trozo.find(marca_) != std::string::npos && tomaCorte()) cortar = true;
                     if (!enviaTodo(servicio, bufer, static_cast<size_t>(n))) break;
                 }
                 if (p[1].revents) {
@@ -111,12 +111,19 @@ private:
         close(cliente);
     }
 
+    bool tomaCorte() {
+        int quedan = pendientes_.load();
+        while (quedan > 0)
+            if (pendientes_.compare_exchange_weak(quedan, quedan - 1)) return true;
+        return false;
+    }
+
     int destino_;
     std::string marca_;
     int escucha_ = -1;
     int puerto_ = 0;
     std::atomic<bool> fin_{false};
-    std::atomic<bool> pendiente_{true};
+    std::atomic<int> pendientes_;
     std::atomic<int> cortes_{0};
     std::thread aceptador_;
     std::vector<std::thread> hilos_;
@@ -178,6 +185,7 @@ TEST_F(ConexionBDTest, TransaccionQueFallaAMitadNoDejaNada) {
         renglon.parametro("id").entero(encabezado.ultimoId());
         renglon.parametro("remision").entero(1);
         renglon.ejecuta(t);
+        renglon.parametro("id").entero(encabezado.ultimoId());
         renglon.parametro("remision").nulo(); // NOT NULL: el segundo renglón falla
         renglon.ejecuta(t);
         t.confirma();
@@ -220,6 +228,124 @@ TEST_F(ConexionBDTest, LoteDentroDeTransaccionYConfirmarPerdidoNoDuplican) {
         EXPECT_FALSE(t.activa());
     }
     EXPECT_EQ(proxy.cortes(), 1);
+    exigeUnaVenta();
+}
+
+// Lo que una pantalla ve mientras se pregunta otra vez: aquí solo se anota.
+struct AvisosDeReintento {
+    std::vector<std::string> operaciones;
+    std::vector<int> intentos;
+    ConexionBD::EsperaReintento espera(bool seguir = true) {
+        return [this, seguir](const ReintentoEscritura& r) {
+            operaciones.emplace_back(r.operacion);
+            intentos.push_back(r.intento);
+            EXPECT_GT(r.espera.count(), 0);
+            EXPECT_LE(r.espera, ConexionBD::EsperaMaximaReintento);
+            EXPECT_FALSE(r.detalle.empty());
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            return seguir;
+        };
+    }
+};
+
+// La respuesta de `confirmar` se pierde dos veces: la estación sigue preguntando con el mismo id
+// y la misma clave, el servicio contesta "confirmada" y la venta queda una sola vez, informada
+// como guardada (antes: un reintento, falla informada, el usuario guardaba otra vez).
+TEST_F(ConexionBDTest, ConfirmarPerdidoDosVecesEsUnaSolaVentaYSeInformaGuardada) {
+    ProxyQueCorta proxy(servicio.puerto(), "/confirmar HTTP/1.1", 2);
+    porProxy(proxy);
+    AvisosDeReintento avisos;
+    conexion.esperaReintento(avisos.espera());
+    {
+        Transaccion t(conexion);
+        Consulta encabezado(conexion, "Insert Into Remision (empresaID, folio, "
+                                      "descontoExistencias) Values (:e, :folio, :descuenta)");
+        encabezado.parametro("e").entero(1);
+        encabezado.parametro("folio").entero(1);
+        encabezado.parametro("descuenta").booleano(true);
+        encabezado.ejecuta(t);
+        Consulta renglon(conexion, "Insert Into RemisionDetalle (id, empresaID, remision, clave, "
+                                   "cantidad) Values (:id, :e, :remision, :clave, :cantidad)");
+        renglon.parametro("id").entero(encabezado.ultimoId());
+        renglon.parametro("e").entero(1);
+        renglon.parametro("remision").entero(1);
+        renglon.parametro("clave").texto("A");
+        renglon.parametro("cantidad").real(2);
+        renglon.ejecuta(t);
+        EXPECT_NO_THROW(t.confirma());
+        EXPECT_FALSE(t.activa());
+    }
+    EXPECT_EQ(proxy.cortes(), 2);
+    EXPECT_EQ(avisos.intentos, (std::vector<int>{1, 2}));
+    EXPECT_EQ(avisos.operaciones, (std::vector<std::string>{"confirmar", "confirmar"}));
+    exigeUnaVenta();
+}
+
+// Igual con un lote en su propia transacción: misma clave y mismo cuerpo hasta la respuesta.
+TEST_F(ConexionBDTest, LotePerdidoVariasVecesSePreguntaConSuClaveHastaLaRespuesta) {
+    ProxyQueCorta proxy(servicio.puerto(), "/lote HTTP/1.1", 3);
+    porProxy(proxy);
+    AvisosDeReintento avisos;
+    conexion.esperaReintento(avisos.espera());
+    Lote lote(conexion);
+    agregaVenta(lote);
+    const auto resultados = lote.ejecuta();
+    EXPECT_EQ(proxy.cortes(), 3);
+    EXPECT_EQ(avisos.intentos, (std::vector<int>{1, 2, 3}));
+    ASSERT_EQ(resultados.size(), 3u);
+    EXPECT_GT(resultados[1].ultimoId(), 0);
+    exigeUnaVenta();
+}
+
+// Sin aviso de la pantalla también sigue preguntando (con retroceso acotado) y avisa por la
+// bitácora.
+TEST_F(ConexionBDTest, SinAvisoDeLaPantallaTambienSePreguntaHastaLaRespuesta) {
+    ProxyQueCorta proxy(servicio.puerto(), "/confirmar HTTP/1.1", 2);
+    porProxy(proxy);
+    {
+        Transaccion t(conexion);
+        Lote lote(conexion);
+        agregaVenta(lote);
+        lote.ejecuta(t);
+        t.confirma();
+    }
+    EXPECT_EQ(proxy.cortes(), 2);
+    exigeUnaVenta();
+}
+
+// Una respuesta definitiva de que no se confirmó (404: id desconocido) no se pregunta otra vez.
+TEST_F(ConexionBDTest, ConfirmarConRespuestaDefinitivaNoSeReintenta) {
+    AvisosDeReintento avisos;
+    conexion.esperaReintento(avisos.espera());
+    try {
+        conexion.confirmaTransaccion("no-existe", "clave-de-prueba");
+        FAIL() << "el id no existe";
+    } catch (const ErrorServicio& e) {
+        EXPECT_EQ(e.estadoHttp(), 404);
+        EXPECT_EQ(e.codigo(), "transaccion");
+    }
+    EXPECT_TRUE(avisos.intentos.empty());
+}
+
+// La pantalla puede dejar de esperar: entonces no se sabe si se registró (CodigoIncierto), nunca
+// "falló".
+TEST_F(ConexionBDTest, SiLaPantallaDejaDeEsperarElResultadoEsIncierto) {
+    ProxyQueCorta proxy(servicio.puerto(), "/confirmar HTTP/1.1", 5);
+    porProxy(proxy);
+    AvisosDeReintento avisos;
+    conexion.esperaReintento(avisos.espera(false));
+    Transaccion t(conexion);
+    Lote lote(conexion);
+    agregaVenta(lote);
+    lote.ejecuta(t);
+    try {
+        t.confirma();
+        FAIL() << "se dejó de esperar";
+    } catch (const ErrorServicio& e) {
+        EXPECT_EQ(e.codigo(), CodigoIncierto) << e.what();
+    }
+    EXPECT_EQ(avisos.intentos, std::vector<int>{1});
+    // El primer `confirmar` sí llegó: la venta está, una vez.
     exigeUnaVenta();
 }
 

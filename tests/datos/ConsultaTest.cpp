@@ -10,6 +10,7 @@
 #include <QUuid>
 
 #include "datos/Consulta.h"
+#include "datos/Transaccion.h"
 #include "datos/Utilerias.h"
 #include "tests/datos/ServicioDatos.h"
 #include "tests/fixtures/DatosPrueba.h"
@@ -33,10 +34,9 @@ TEST_F(ConsultaTest, CadaTipoDeParametroVaYRegresa) {
     const QDateTime fecha(QDate(2024, 2, 29), QTime(23, 59, 58));
     const QUuid guid = QUuid::createUuid();
 
-    Consulta q(conexion,
-               "Select :Entero as Entero, :Real as Real, :Texto as Texto, "
-               ":Bandera as Bandera, :Fecha as Fecha, :Dia as Dia, :Bytes as Bytes, "
-               ":Vacio as Vacio, :Guid as Guid, :Nulo as Nulo, :SinAsignar as SinAsignar");
+    Consulta q(conexion, "Select :Entero as Entero, :Real as Real, :Texto as Texto, "
+                         ":Bandera as Bandera, :Fecha as Fecha, :Dia as Dia, :Bytes as Bytes, "
+                         ":Vacio as Vacio, :Guid as Guid, :Nulo as Nulo");
     q.parametro("Entero").entero(-9007199254740993LL); // no cabe exacto en un double
     q.parametro("Real").real(-1234.5678);
     q.parametro("Texto").texto("Café «jalapeño» 🌶 \"comillas\" y 'apóstrofos'");
@@ -64,13 +64,48 @@ TEST_F(ConsultaTest, CadaTipoDeParametroVaYRegresa) {
     EXPECT_FALSE(q.campo("Vacio").esNulo());
     EXPECT_TRUE(q.campo("Vacio").comoBlob().isEmpty());
     EXPECT_EQ(QUuid::fromString(q.campo("guid").comoTexto()), guid);
-    for (const char* nulo : {"Nulo", "SinAsignar"}) {
-        EXPECT_TRUE(q.campo(nulo).esNulo()) << nulo;
-        EXPECT_EQ(q.campo(nulo).comoEntero(), 0);
-        EXPECT_EQ(q.campo(nulo).comoTexto(), "");
-        EXPECT_FALSE(q.campo(nulo).comoFecha().isValid());
+    EXPECT_TRUE(q.campo("Nulo").esNulo());
+    EXPECT_EQ(q.campo("Nulo").comoEntero(), 0);
+    EXPECT_EQ(q.campo("Nulo").comoTexto(), "");
+    EXPECT_FALSE(q.campo("Nulo").comoFecha().isValid());
+    EXPECT_THROW(q.campo("NoExiste"), ErrorProgramacion);
+}
+
+TEST_F(ConsultaTest, UnaMarcaSinAsignarSeRechazaSinMandarNada) {
+    Consulta alta(conexion, "Insert Into Productos (empresaID, clave, producto, existencia) "
+                            "Values (1, :clave, :producto, :existencia)");
+    alta.parametro("clave").texto("A");
+    alta.parametro("producto").texto("Azúcar");
+    try {
+        alta.ejecuta();
+        FAIL() << "la existencia no se asignó";
+    } catch (const ErrorServicio& e) {
+        EXPECT_EQ(e.codigo(), CodigoProgramacion);
+        EXPECT_NE(e.mensaje().indexOf(":existencia"), -1) << e.mensaje().toStdString();
     }
-    EXPECT_THROW(q.campo("NoExiste"), std::logic_error);
+    EXPECT_EQ(c.cuenta("Productos"), 0);
+
+    // Los valores de una ejecución no pasan a la siguiente, ni tras el rechazo ni tras el éxito.
+    alta.parametro("existencia").real(5);
+    EXPECT_THROW(alta.ejecuta(), ErrorProgramacion);
+    EXPECT_EQ(c.cuenta("Productos"), 0);
+    alta.parametro("clave").texto("A");
+    alta.parametro("producto").texto("Azúcar");
+    alta.parametro("existencia").nulo(); // NULL solo a propósito
+    alta.ejecuta();
+    EXPECT_EQ(alta.filasAfectadas(), 1);
+    EXPECT_EQ(alta.marcasSinAsignar(), (QStringList{"clave", "producto", "existencia"}));
+    alta.parametro("clave").texto("B");
+    EXPECT_THROW(alta.ejecuta(), ErrorProgramacion);
+    EXPECT_EQ(c.cuenta("Productos"), 1);
+    EXPECT_TRUE(c.valor("Select existencia From Productos Where clave = 'A'").is_null());
+
+    // Igual al agregarla a un lote: la sentencia rechazada no entra.
+    Lote lote(conexion);
+    alta.parametro("clave").texto("C");
+    alta.parametro("producto").texto("Café");
+    EXPECT_THROW(lote.agrega(alta), ErrorProgramacion);
+    EXPECT_EQ(lote.tamano(), 0u);
 }
 
 TEST_F(ConsultaTest, RenglonesSeRecorrenYSinRenglonesLosCamposSonNulos) {

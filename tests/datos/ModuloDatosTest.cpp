@@ -59,11 +59,9 @@ Tipo tipoDeColumna(const QString& marca) {
 
 // Asigna a las marcas que siguen sin valor una muestra del tipo de su columna, distinta por
 // columna para que dos columnas cruzadas no pasen inadvertidas.
-void completa(Consulta& q) {
-    const Sentencia s = q.sentencia();
-    for (const auto& p : s.parametros) {
-        if (p.de || !protocolo::esNulo(p.valor) || p.tipo != Tipo::Texto) continue;
-        const QString n = QString::fromStdString(p.nombre);
+void completa(Consulta& q, const QString& excepto = {}) {
+    for (const QString& n : q.marcasSinAsignar()) {
+        if (n == excepto) continue;
         const int semilla = static_cast<int>(qHash(n.toLower(), 0) % 900);
         auto& par = q.parametro(n);
         switch (tipoDeColumna(n)) {
@@ -111,6 +109,8 @@ void verifica(const Sentencia& s, const Registro& r) {
 class ModuloDatosTest : public prueba::ConServicio {
 protected:
     void SetUp() override {
+        // El módulo es global: ninguna prueba depende de lo que otra dejó asignado.
+        M.limpiaParametros();
         prueba::apunta(M.ConexionBD, servicio);
         datos.empresa(1, "Abarrotes");
         datos.producto(1, "A", 10);
@@ -124,11 +124,23 @@ protected:
         return q.registros();
     }
 
-    // Completa y agrega al lote; devuelve lo que viajó para revisarlo después.
+    void TearDown() override { M.limpiaParametros(); }
+
+    // Completa y agrega al lote (que olvida los valores); devuelve lo que viajó para revisarlo
+    // después.
     Sentencia agrega(Lote& lote, Consulta& q) {
         completa(q);
+        Sentencia viaja = q.sentencia();
         lote.agrega(q);
-        return q.sentencia();
+        return viaja;
+    }
+
+    // Completa y ejecuta en la transacción; devuelve lo que viajó.
+    Sentencia ejecuta(Transaccion& t, Consulta& q) {
+        completa(q);
+        Sentencia viaja = q.sentencia();
+        q.ejecuta(t);
+        return viaja;
     }
 
     // Lote que lee los folios de la empresa como sentencia 0.
@@ -186,12 +198,18 @@ TEST_F(ModuloDatosTest, VentaDeContadoEnUnLote) {
     EXPECT_EQ(datos.existencia(1, "A"), 7.0);
     EXPECT_EQ(datos.existencia(1, "B"), 2.0);
 
-    // La otra copia del renglón, los pagos, los puntos y la bitácora de una segunda venta.
+    // La otra copia del renglón, los pagos, los puntos y la bitácora de una segunda venta: cada
+    // documento asigna todo lo suyo, nada se hereda del anterior.
+    EXPECT_EQ(M.Remision.marcasSinAsignar().size(), M.Remision.marcas().size());
     Lote lote = loteConFolios();
+    M.Remision.parametro("empresaID").entero(1);
     M.Remision.parametro("folio").de(0, "folioRem");
-    lote.agrega(M.Remision);
+    M.Remision.parametro("cancelada").booleano(false);
+    M.Remision.parametro("descontoExistencias").booleano(false);
+    agrega(lote, M.Remision);
     M.RemisionDetalle2.parametro("id").de(1, "ultimoId");
     M.RemisionDetalle2.parametro("remision").de(0, "folioRem");
+    M.RemisionDetalle2.parametro("empresaID").entero(1);
     M.RemisionDetalle2.parametro("clave").texto("A");
     M.RemisionDetalle2.parametro("nota").nulo();
     const Sentencia renglon = agrega(lote, M.RemisionDetalle2);
@@ -225,10 +243,9 @@ TEST_F(ModuloDatosTest, VentaACreditoConAnticiposPorAmbasCopiasDelAltaDePago) {
     const int64_t folioPago = M.Configuracion.campo("folioPagosRemision").comoEntero();
     M.Remision.parametro("empresaID").entero(1);
     M.Remision.parametro("folio").entero(folio);
-    completa(M.Remision);
     M.Remision.parametro("fechaPago").nulo();
-    M.Remision.ejecuta(t);
-    const Sentencia encabezado = M.Remision.sentencia();
+    M.Remision.parametro("descontoExistencias").booleano(true);
+    const Sentencia encabezado = ejecuta(t, M.Remision);
 
     std::vector<Sentencia> pagos;
     for (Consulta* q : {&M.RegistraPago, &M.Clientes}) {
@@ -236,9 +253,7 @@ TEST_F(ModuloDatosTest, VentaACreditoConAnticiposPorAmbasCopiasDelAltaDePago) {
         q->parametro("folio").entero(folioPago);
         q->parametro("idRemision").entero(M.Remision.ultimoId());
         q->parametro("folioRemision").entero(folio);
-        completa(*q);
-        q->ejecuta(t);
-        pagos.push_back(q->sentencia());
+        pagos.push_back(ejecuta(t, *q));
     }
     t.confirma();
 
@@ -253,6 +268,52 @@ TEST_F(ModuloDatosTest, VentaACreditoConAnticiposPorAmbasCopiasDelAltaDePago) {
         EXPECT_EQ(abonos.campo(i, "factorAplicado").comoReal(), 1.0);
     }
     EXPECT_EQ(datos.contador(1, "folioPagosRemision"), 2);
+}
+
+// Una venta cuyo encabezado olvidó descontoExistencias: antes viajaba como NULL y la venta se
+// guardaba sin mover existencias. Ahora la estación la rechaza sin mandarla (el error es de
+// programación, no de conexión ni del servicio) y no se guarda nada.
+TEST_F(ModuloDatosTest, VentaConUnaMarcaSinAsignarSeRechazaYNoSeGuardaNada) {
+    // Directa, dentro de una transacción.
+    {
+        Transaccion t(M.ConexionBD);
+        M.Remision.parametro("empresaID").entero(1);
+        M.Remision.parametro("folio").entero(1);
+        M.Remision.parametro("cancelada").booleano(false);
+        completa(M.Remision, "descontoExistencias");
+        EXPECT_EQ(M.Remision.marcasSinAsignar(), QStringList{"descontoExistencias"});
+        try {
+            M.Remision.ejecuta(t);
+            FAIL() << "descontoExistencias no se asignó";
+        } catch (const ErrorServicio& e) {
+            EXPECT_EQ(e.codigo(), CodigoProgramacion);
+            EXPECT_FALSE(e.esDeConexion());
+            EXPECT_NE(e.mensaje().indexOf("descontoExistencias"), -1);
+        }
+        // Nada quedó asignado para la siguiente ejecución.
+        EXPECT_EQ(M.Remision.marcasSinAsignar().size(), M.Remision.marcas().size());
+        t.confirma();
+    }
+    EXPECT_EQ(c.cuenta("Remision"), 0);
+
+    // En un lote: la venta entera no se manda.
+    Lote lote = loteConFolios();
+    M.Remision.parametro("empresaID").entero(1);
+    M.Remision.parametro("folio").de(0, "folioRem");
+    EXPECT_THROW(lote.agrega(M.Remision), ErrorProgramacion);
+    EXPECT_EQ(lote.tamano(), 1u);
+    M.RemisionDetalle.parametro("id").de(1, "ultimoId");
+    M.RemisionDetalle.parametro("remision").de(0, "folioRem");
+    M.RemisionDetalle.parametro("empresaID").entero(1);
+    M.RemisionDetalle.parametro("clave").texto("A");
+    M.RemisionDetalle.parametro("cantidad").real(3);
+    EXPECT_THROW(lote.agrega(M.RemisionDetalle), ErrorProgramacion);
+    EXPECT_EQ(lote.tamano(), 1u);
+
+    EXPECT_EQ(c.cuenta("Remision"), 0);
+    EXPECT_EQ(c.cuenta("RemisionDetalle"), 0);
+    EXPECT_EQ(datos.existencia(1, "A"), 10.0);
+    EXPECT_EQ(datos.contador(1, "folioRem"), 1);
 }
 
 TEST_F(ModuloDatosTest, CotizacionYComprasMuevenSuFolioYSusExistencias) {

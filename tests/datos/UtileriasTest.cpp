@@ -38,7 +38,7 @@ TEST(CitaSql, DuplicaApostrofosYEscribeNumerosSinIdioma) {
     EXPECT_EQ(numeroSql(int64_t{-42}), "-42");
     EXPECT_EQ(numeroSql(1234.5), "1234.5");
     EXPECT_EQ(numeroSql(0.1), "0.1");
-    EXPECT_THROW(numeroSql(std::nan("")), std::invalid_argument);
+    EXPECT_THROW(numeroSql(std::nan("")), ErrorProgramacion);
 }
 
 TEST(Marcas, SoloCuentanFueraDeLiteralesYComentarios) {
@@ -49,22 +49,50 @@ TEST(Marcas, SoloCuentanFueraDeLiteralesYComentarios) {
               esperadas);
 }
 
-TEST(Marcas, LaConsultaSoloAceptaSusMarcasYLasDemasViajanNulas) {
+TEST(Marcas, LaConsultaSoloAceptaSusMarcasYNuncaMandaUnaSinAsignar) {
     Consulta q("Select * From Productos Where empresaID = :EmpresaID and clave = :Clave");
     q.parametro("empresaid").entero(7); // sin distinguir mayúsculas
-    EXPECT_THROW(q.parametro("Producto"), std::logic_error);
+    EXPECT_THROW(q.parametro("Producto"), ErrorProgramacion);
+    EXPECT_EQ(q.marcasSinAsignar(), QStringList{"Clave"});
+    // Una marca olvidada no viaja como NULL: es un error de programación, que las pantallas
+    // atrapan como cualquier error del acceso a datos.
+    EXPECT_THROW(q.sentencia(), ErrorProgramacion);
+    EXPECT_THROW(q.sentencia(), ErrorServicio);
 
+    q.parametro("Clave").nulo(); // NULL a propósito
     const auto s = q.sentencia();
     ASSERT_EQ(s.parametros.size(), 2u);
     EXPECT_EQ(s.parametros[0].nombre, "EmpresaID");
     EXPECT_EQ(std::get<int64_t>(s.parametros[0].valor), 7);
     EXPECT_EQ(s.parametros[1].tipo, protocolo::Tipo::Texto);
     EXPECT_TRUE(protocolo::esNulo(s.parametros[1].valor));
+    EXPECT_TRUE(q.marcasSinAsignar().isEmpty());
+
+    // Tomarla (lo que hacen abre, ejecuta y Lote::agrega) olvida los valores.
+    EXPECT_EQ(q.tomaSentencia().parametros.size(), 2u);
+    EXPECT_EQ(q.marcasSinAsignar(), (QStringList{"EmpresaID", "Clave"}));
+    // También cuando se rechaza.
+    q.parametro("Clave").texto("A");
+    EXPECT_THROW(q.tomaSentencia(), ErrorProgramacion);
+    EXPECT_EQ(q.marcasSinAsignar(), (QStringList{"EmpresaID", "Clave"}));
 
     q.asignaSql("Select 1 Where :Otro = 1");
     EXPECT_EQ(q.marcas(), QStringList{"Otro"});
-    EXPECT_THROW(q.parametro("EmpresaID"), std::logic_error);
-    EXPECT_THROW(q.abre(), std::logic_error); // sin conexión
+    EXPECT_THROW(q.parametro("EmpresaID"), ErrorProgramacion);
+    q.parametro("Otro").entero(1);
+    EXPECT_THROW(q.abre(), ErrorProgramacion); // sin conexión
+    EXPECT_EQ(q.marcasSinAsignar(), QStringList{"Otro"});
+}
+
+TEST(Marcas, UnCampoQueNoExisteEsErrorDeProgramacion) {
+    Registros r(protocolo::Resultado{});
+    try {
+        r.campo(0, "NoExiste");
+        FAIL() << "debió lanzar";
+    } catch (const ErrorServicio& e) {
+        EXPECT_EQ(e.codigo(), CodigoProgramacion);
+        EXPECT_NE(e.mensaje().indexOf("NoExiste"), -1);
+    }
 }
 
 } // namespace

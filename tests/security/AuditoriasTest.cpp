@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QDateEdit>
+#include <QIcon>
 #include <QLabel>
-#include <QListWidget>
+#include <QListView>
 #include <QPushButton>
 #include <QTest>
 
@@ -12,6 +13,7 @@
 #include "datos/ModuloDatos.h"
 #include "datos/Transaccion.h"
 #include "pantallas/Mensajes.h"
+#include "pantallas/RolesRenglon.h"
 #include "pantallas/Sonidos.h"
 #include "security/Auditorias.h"
 #include "tests/fixtures/PruebaPantallas.h"
@@ -62,11 +64,15 @@ protected:
         EXPECT_TRUE(esperaHasta([&] { return boton->isEnabled(); }, 10000));
     }
 
+    static QAbstractItemModel* modelo(const QWidget& f) {
+        return control<QListView>(f, "ListaBitacoras")->model();
+    }
+
     static QStringList columna(const QWidget& f, int rol) {
-        auto* lista = control<QListWidget>(f, "ListaBitacoras");
+        QAbstractItemModel* m = modelo(f);
         QStringList valores;
-        for (int i = 0; i < lista->count(); ++i)
-            valores << lista->item(i)->data(rol).toString();
+        for (int i = 0; i < m->rowCount(); ++i)
+            valores << m->index(i, 0).data(rol).toString();
         return valores;
     }
 
@@ -153,14 +159,17 @@ TEST_F(AuditoriasTest, ListaLaEmpresaDeLaSesionPorModuloYHoraConLaImagenDeCadaTi
     EXPECT_EQ(Sonidos::reproducidos(), QList<Sonido>{Sonido::MostrarResultados});
     EXPECT_TRUE(Mensajes::ultimos().isEmpty());
 
-    // El renglón muestra módulo, usuario, dato, fecha en color y nota, sin interpretar lo guardado.
-    const QString renglon = columna(*f, TAuditoriasF::RolTexto).at(3);
-    EXPECT_TRUE(renglon.contains("Ventas -&gt; Caja Chica")) << renglon.toStdString();
-    EXPECT_TRUE(renglon.contains("Laura Méndez Ríos")) << renglon.toStdString();
-    EXPECT_TRUE(renglon.contains("Depósito &lt;500&gt;")) << renglon.toStdString();
-    EXPECT_TRUE(renglon.contains("<br><font color=\"#1E90FF\">10/03/2024 18:30:00</font></b>"))
-        << renglon.toStdString();
-    EXPECT_TRUE(renglon.contains("Nota: nota de Depósito &lt;500&gt;")) << renglon.toStdString();
+    // El renglón muestra módulo y fecha arriba; usuario, dato y nota abajo, tal como se guardaron.
+    const QModelIndex renglon = modelo(*f)->index(3, 0);
+    EXPECT_EQ(renglon.data(RolPrimeraLinea).toString(), "Ventas -> Caja Chica");
+    EXPECT_EQ(renglon.data(RolDatoDerecha).toString(), "10/03/2024 18:30:00");
+    EXPECT_EQ(renglon.data(RolSegundaLinea).toString(),
+              "Usuario: Laura Méndez Ríos   Depósito <500>   Nota: nota de Depósito <500>");
+    EXPECT_EQ(renglon.data(TAuditoriasF::RolFecha).toDateTime(),
+              QDateTime(QDate(2024, 3, 10), QTime(18, 30)));
+    // La imagen de su tipo; un tipo sin imagen va sin icono.
+    EXPECT_FALSE(qvariant_cast<QIcon>(renglon.data(Qt::DecorationRole)).isNull());
+    EXPECT_TRUE(qvariant_cast<QIcon>(modelo(*f)->index(6, 0).data(Qt::DecorationRole)).isNull());
 }
 
 TEST_F(AuditoriasTest, UnSoloDiaListaEseDiaSinImportarLaHora) {
@@ -194,7 +203,7 @@ TEST_F(AuditoriasTest, RangoInvertidoVacioOFallidoAvisaYNoBorraLoListado) {
     muestra(*f, QDate(2024, 4, 1), QDate(2024, 4, 30));
     EXPECT_EQ(Mensajes::ultimos(), QStringList{kSinResultados});
     EXPECT_EQ(Sonidos::reproducidos(), QList<Sonido>{Sonido::Error});
-    EXPECT_EQ(control<QListWidget>(*f, "ListaBitacoras")->count(), 0);
+    EXPECT_EQ(modelo(*f)->rowCount(), 0);
     EXPECT_EQ(etiqueta(*f, "PieBitacoras"), "Número de Registros: 0");
 
     // Servicio caído: mensaje de lectura, fechas como se escribieron y lista como estaba.

@@ -8,6 +8,7 @@
 #include "security/CatalogoPerfiles.h"
 #include "security/CatalogoUsuarios.h"
 #include "tests/fixtures/DatosPrueba.h"
+#include "tests/security/AccesoPrueba.h"
 
 namespace cajaplex {
 namespace {
@@ -52,6 +53,12 @@ protected:
             .get<std::string>();
     }
 
+    // Con un módulo de datos propio, como otra estación.
+    QList<int64_t> empresasAlEntrar(const QString& usuario, const QString& contrasena) {
+        TModuloDeDatos modulo;
+        return prueba::empresasAlEntrar(modulo, servicio.puerto(), usuario, contrasena);
+    }
+
     ConexionBD conexion;
     Sesion sesion;
     CatalogoUsuarios usuarios{conexion, sesion};
@@ -88,10 +95,11 @@ TEST_F(CatalogoUsuariosTest, NombreUnicoSinDistinguirMayusculasYContrasenaSoloSi
     nuevo.perfilID = 2;
     EXPECT_EQ(usuarios.almacena(nuevo, QStringLiteral("x"), QStringLiteral("x"), nullptr),
               QString::fromUtf8(MensajeUsuarioExiste));
-    // Conservar su propio nombre no es repetirlo.
+    // Conservar su propio nombre no es repetirlo; sin teclear contraseña se conserva la suya.
+    const std::string guardada = contrasena("cajero");
     EXPECT_EQ(cambia("cajero", [](DatosUsuario& u) { u.nombre = QStringLiteral("Laura M."); }),
               QString());
-    EXPECT_EQ(contrasena("cajero"), "cajero");
+    EXPECT_EQ(contrasena("cajero"), guardada);
 
     const DatosUsuario anterior = usuario("cajero");
     DatosUsuario cambio = anterior;
@@ -100,14 +108,22 @@ TEST_F(CatalogoUsuariosTest, NombreUnicoSinDistinguirMayusculasYContrasenaSoloSi
     EXPECT_EQ(
         usuarios.almacena(cambio, QStringLiteral("Nueva'1"), QStringLiteral("Nueva'1"), &anterior),
         QString());
-    EXPECT_EQ(contrasena("cajero"), "Nueva'1");
+    EXPECT_TRUE(contrasena("cajero").starts_with("$argon2id$")) << contrasena("cajero");
+    EXPECT_EQ(empresasAlEntrar(QStringLiteral("cajero"), QStringLiteral("cajero")),
+              QList<int64_t>{});
+    EXPECT_EQ(empresasAlEntrar(QStringLiteral("cajero"), QStringLiteral("Nueva'1")),
+              QList<int64_t>{1});
     EXPECT_EQ(c.cuenta("AuditoriasSistema Where moduloSistema = 'Usuarios -> Usuarios' and "
                        "tipoAuditoria = 'Actualización' and comentarios = 'Se cambió la "
                        "contraseña'"),
               1);
-    EXPECT_EQ(c.cuenta("AuditoriasSistema Where datoNuevo like '%Nueva''1%' or datoAnterior like "
-                       "'%Nueva''1%' or comentarios like '%Nueva''1%'"),
-              0);
+    // La bitácora no lleva la contraseña ni su hash.
+    for (const char* oculto : {"%Nueva''1%", "%argon2id%"})
+        EXPECT_EQ(c.cuenta(std::string("AuditoriasSistema Where datoNuevo like '") + oculto +
+                           "' or datoAnterior like '" + oculto + "' or comentarios like '" +
+                           oculto + "'"),
+                  0)
+            << oculto;
 }
 
 TEST_F(CatalogoUsuariosTest, LasEmpresasInactivasDelUsuarioSeConservan) {

@@ -7,16 +7,14 @@
 #include <QComboBox>
 #include <QListWidget>
 #include <QStackedWidget>
-#include <QTemporaryDir>
 
-#include "datos/AjustesEstacion.h"
 #include "datos/ModuloDatos.h"
 #include "pantallas/Mensajes.h"
 #include "pantallas/RolesRenglon.h"
 #include "pantallas/Sonidos.h"
-#include "security/InicioSesion.h"
 #include "security/Usuarios.h"
 #include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/security/AccesoPrueba.h"
 
 namespace cajaplex {
 namespace {
@@ -69,19 +67,8 @@ protected:
         return Mensajes::ultimos();
     }
 
-    // Las empresas que ofrece el inicio de sesión a ese usuario y contraseña.
     QList<int64_t> empresasAlEntrar(const QString& usuario, const QString& contrasena) {
-        QTemporaryDir carpeta;
-        AjustesEstacion ajustes(carpeta.path());
-        ajustes.ponCredencialesServicio(QString::fromStdString(kUsuarioDemo),
-                                        QString::fromStdString(kUsuarioDemo));
-        InicioSesion inicio(ModuloDeDatos, ajustes, QStringLiteral("estacion-prueba"));
-        const ResultadoAcceso r = inicio.valida(
-            {QStringLiteral("127.0.0.1"), QString::number(servicio.puerto()), usuario, contrasena});
-        QList<int64_t> empresas;
-        for (const Sesion& s : r.empresas)
-            empresas << s.EmpresaID;
-        return empresas;
+        return prueba::empresasAlEntrar(ModuloDeDatos, servicio.puerto(), usuario, contrasena);
     }
 
     Sesion sesion_;
@@ -147,7 +134,9 @@ TEST_F(UsuariosTest, UsuarioNuevoEntraSoloALasEmpresasMarcadasYSinContrasenaEnLa
     EXPECT_EQ(pagina(*f), "SeleccionaUsuario");
     EXPECT_EQ(control<QListWidget>(*f, "ListaUsuarios")->currentItem()->text(), "Rocío Ávila");
     EXPECT_EQ(empresasAlEntrar("rocio", "Clave#7"), QList<int64_t>{2});
-    EXPECT_EQ(c.cuenta("Usuarios Where nUsuario = 'rocio' and perfilID = 3 and esAdmin = 0"), 1);
+    EXPECT_EQ(c.cuenta("Usuarios Where nUsuario = 'rocio' and perfilID = 3 and esAdmin = 0 and "
+                       "contrasena like '$argon2id$%'"),
+              1);
 
     // La búsqueda la encuentra; al cambiar de empresas sin teclear contraseña, la conserva.
     escribe(*f, "BuscarUsuario", "ROCÍO");
