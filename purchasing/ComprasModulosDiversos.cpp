@@ -126,6 +126,7 @@ TComprasModulosDiversosF::TComprasModulosDiversosF(const Sesion& sesion, QWidget
     observaciones_ = new QLineEdit(this);
     observaciones_->setMaxLength(255);
     pon(observaciones_, "Observaciones", QStringLiteral("Observaciones"));
+    for (int columna = 0; columna < 4; ++columna) rejilla->setColumnStretch(columna, 1);
 
     clave_ = new QLineEdit(this);
     clave_->setObjectName(QStringLiteral("ClaveProducto"));
@@ -177,6 +178,8 @@ TComprasModulosDiversosF::TComprasModulosDiversosF(const Sesion& sesion, QWidget
         this);
     tabla_ = creaVistaTabla(QStringLiteral("TransaccionDetalles"), modelo_, 44, this);
     tabla_->setAccessibleName(QStringLiteral("Productos de la transacción"));
+    // La descripción toma el espacio; cada columna numérica, lo que pide su título.
+    tabla_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     tabla_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
     totales_ = creaEtiqueta({}, QStringLiteral("Totales"), "titulo", this);
     totales_->setAccessibleName(QStringLiteral("Totales"));

@@ -513,7 +513,9 @@ QWidget* TPuntoVentaF::creaFinalizar() {
 QFrame* TPuntoVentaF::creaMenuLateral() {
     menuLateral_ = nombra(new QFrame(this), "MenuLateral", QStringLiteral("Opciones Adicionales"));
     ponEstilo(menuLateral_, "tarjeta");
-    menuLateral_->setFixedWidth(240);
+    // Tan ancho como pida el texto más largo de sus botones (y la letra grande del estilo).
+    menuLateral_->setMinimumWidth(240);
+    menuLateral_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     auto* capa = new QVBoxLayout(menuLateral_);
     capa->addWidget(creaEtiqueta(QStringLiteral("Opciones Adicionales"),
                                  QStringLiteral("TituloMenuLateral"), "subtitulo", menuLateral_));
@@ -535,9 +537,6 @@ QFrame* TPuntoVentaF::creaMenuLateral() {
          &TPuntoVentaF::BotonDescuentoGlobalClick, true},
         {"Caja Chica (F8)", "BotonCajaChica", nullptr, &TPuntoVentaF::BotonCajaChicaClick,
          RegistroModulos::busca(QStringLiteral("CajaChica")) != nullptr},
-        // Las comandas y las cotizaciones aún no tienen su selector.
-        {"Cobrar Comanda", "BotonCobrarComanda", nullptr, nullptr, false},
-        {"Remisionar Cotización", "BotonRemisionarCotizacion", nullptr, nullptr, false},
     };
     for (const Opcion& o : opciones) {
         auto* b = boton(QString(), QString::fromUtf8(o.titulo), o.nombre, o.estilo, menuLateral_);
