@@ -126,7 +126,8 @@ TComprasModulosDiversosF::TComprasModulosDiversosF(const Sesion& sesion, QWidget
     observaciones_ = new QLineEdit(this);
     observaciones_->setMaxLength(255);
     pon(observaciones_, "Observaciones", QStringLiteral("Observaciones"));
-    for (int columna = 0; columna < 4; ++columna) rejilla->setColumnStretch(columna, 1);
+    for (int columna = 0; columna < 4; ++columna)
+        rejilla->setColumnStretch(columna, 1);
 
     clave_ = new QLineEdit(this);
     clave_->setObjectName(QStringLiteral("ClaveProducto"));
