@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QScreen>
+#include <QStyle>
 #include <QTextDocument>
 #include <QWidget>
 #include <QtConcurrent/QtConcurrentRun>
@@ -143,6 +145,12 @@ TrabajoImpresion* imprimeDocumento(QWidget* pantalla, const Sesion& sesion,
                              auto* visor = new TVisorPdfF(pedido.archivoPdf, destino);
                              visor->setWindowFlag(Qt::Window);
                              visor->setAttribute(Qt::WA_DeleteOnClose);
+                             // Una hoja a la vista: la mitad del ancho y casi todo el alto de
+                             // la pantalla donde está la caja.
+                             const QRect area = destino->screen()->availableGeometry();
+                             visor->setGeometry(QStyle::alignedRect(
+                                 Qt::LeftToRight, Qt::AlignCenter,
+                                 QSize(area.width() / 2, area.height() * 9 / 10), area));
                              visor->show();
                          }
                          emit trabajo->terminado(true);

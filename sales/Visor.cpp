@@ -137,6 +137,8 @@ TVisorF::TVisorF(const Sesion& sesion, const QString& carpetaEstacion, QWidget* 
     auto hoja = [this](ModeloTabla* modelo, const QString& nombre, const QString& titulo) {
         QTableView* t = creaVistaTabla(nombre, modelo, kAltoRenglon, hojas_);
         t->setAccessibleName(titulo);
+        // Cada columna a lo que pide su contenido; el texto largo (artículo, nota) toma el resto.
+        t->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
         t->horizontalHeader()->setStretchLastSection(true);
         hojas_->addTab(t, titulo);
     };

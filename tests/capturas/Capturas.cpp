@@ -151,6 +151,55 @@ int mensajeDeConexion(QWidget& ventana, Fotografo& foto) {
     return llego ? 0 : 1;
 }
 
+// Una venta de verdad como admin: el carrito con tres renglones, la pestaña de cierre, el ticket
+// en el visor de PDF y la venta en la lista y en el visor de ventas.
+void ventaDeEjemplo(TCajaplexF& ventana, Fotografo& foto) {
+    auto* modulo = ventana.findChild<QPushButton*>(QStringLiteral("ModuloPuntoVenta"));
+    if (!modulo) return;
+    QTest::mouseClick(modulo, Qt::LeftButton);
+    auto* buscar = control<QLineEdit>(ventana, "BuscarProducto");
+    if (!buscar) return;
+    for (const char* codigo : {"7501058000118", "3*1002", "7501058000354"}) {
+        buscar->setText(QString::fromLatin1(codigo));
+        QTest::keyClick(buscar, Qt::Key_Return);
+        QTest::qWait(100);
+    }
+    foto.toma(QStringLiteral("PuntoVenta-carrito"));
+    auto* siguiente = control<QPushButton>(ventana, "GrupoBotonSiguiente");
+    if (!siguiente) return;
+    QTest::mouseClick(siguiente, Qt::LeftButton);
+    foto.toma(QStringLiteral("PuntoVenta-cierre"));
+    Mensajes::respondeOpcion(1); // "Almacenar y Visualizar PDF"
+    QTest::mouseClick(siguiente, Qt::LeftButton);
+    QTest::qWait(2000); // se registra y el ticket se dibuja en otro hilo
+    foto.tomaPantalla(QStringLiteral("ticket"));
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w != &ventana && w->isVisible()) w->close();
+    for (int i = 0;
+         i < 5 && !ventana.findChild<QWidget*>(QStringLiteral("MenuPrimario"))->isVisible(); ++i) {
+        ventana.regresa();
+        QTest::qWait(50);
+    }
+
+    auto* ventas = ventana.findChild<QPushButton*>(QStringLiteral("ModuloVentas"));
+    if (!ventas) return;
+    QTest::mouseClick(ventas, Qt::LeftButton);
+    auto* lista = ventana.findChild<QAbstractItemView*>(QStringLiteral("TablaVentas"));
+    espera([&] { return lista && lista->model() && lista->model()->rowCount() > 0; });
+    foto.toma(QStringLiteral("Ventas-del-dia"));
+    if (lista && lista->model() && lista->model()->rowCount() > 0) {
+        lista->setCurrentIndex(lista->model()->index(0, 0));
+        if (auto* abrir = control<QPushButton>(ventana, "BotonAbrir"))
+            QTest::mouseClick(abrir, Qt::LeftButton);
+        foto.toma(QStringLiteral("Visor"));
+    }
+    for (int i = 0;
+         i < 5 && !ventana.findChild<QWidget*>(QStringLiteral("MenuPrimario"))->isVisible(); ++i) {
+        ventana.regresa();
+        QTest::qWait(50);
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -242,6 +291,7 @@ int main(int argc, char* argv[]) {
     const QStringList mensajes = Mensajes::ultimos();
     if (!mensajes.isEmpty())
         std::printf("Mensajes mostrados: %s\n", qPrintable(mensajes.join(QStringLiteral(" | "))));
+    ventaDeEjemplo(ventana, foto);
     // El menú depende de los derechos del perfil: también el del cajero y el del mesero.
     const bool otros = menuDe(ventana, foto, QStringLiteral("cajero")) &&
                        menuDe(ventana, foto, QStringLiteral("mesero"));
