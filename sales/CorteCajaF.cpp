@@ -88,12 +88,15 @@ TCorteCajaF::TCorteCajaF(const Sesion& sesion, QWidget* padre)
     etiqueta(QStringLiteral("Hasta"), QStringLiteral("EtiquetaHasta"), hasta_, 2);
     rejilla->addWidget(calcular_, 1, 3);
     rejilla->setColumnStretch(0, 2);
+    rejilla->setColumnStretch(1, 1);
+    rejilla->setColumnStretch(2, 1);
 
     tabla_ = new QTableWidget(0, 3, this);
     tabla_->setObjectName(QStringLiteral("ResumenCorte"));
     tabla_->setAccessibleName(QStringLiteral("Resumen del Corte"));
     tabla_->setHorizontalHeaderLabels(
         {QStringLiteral("Concepto"), QStringLiteral("Operaciones"), QStringLiteral("Importe")});
+    tabla_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     tabla_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     tabla_->verticalHeader()->hide();
     tabla_->setEditTriggers(QAbstractItemView::NoEditTriggers);
