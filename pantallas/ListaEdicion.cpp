@@ -4,9 +4,11 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QScroller>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <QtDebug>
 
@@ -108,7 +110,7 @@ void TEdicionCatalogoF::BotonCancelarClick() {
 
 TListaCatalogoF::TListaCatalogoF(const QString& nombre, const QString& singular,
                                  const QString& titulo, QWidget* padre)
-    : QWidget(padre) {
+    : QWidget(padre), singular_(singular) {
     setObjectName(nombre);
     setWindowTitle(titulo);
 
@@ -176,6 +178,60 @@ void TListaCatalogoF::ponConteo(const QString& filtro, int registros) {
     pie_->setText((filtro.isEmpty() ? QStringLiteral("Número de Registros: ")
                                     : QStringLiteral("Registros Filtrados: ")) +
                   QString::number(registros));
+}
+
+QLineEdit* TListaCatalogoF::creaBusquedaEnServicio(const QString& indicacion) {
+    auto* buscar = new QLineEdit(pagina_);
+    buscar->setObjectName(QStringLiteral("Buscar") + singular_);
+    buscar->setPlaceholderText(indicacion);
+    buscar->setAccessibleName(QStringLiteral("Buscar ") + singular_);
+    buscar->setClearButtonEnabled(true);
+    buscar->setMinimumHeight(AltoControl);
+    buscar->addAction(icono(QStringLiteral("Buscar")), QLineEdit::LeadingPosition);
+    capaLista_->insertWidget(0, buscar);
+    auto* pausa = new QTimer(this);
+    pausa->setSingleShot(true);
+    pausa->setInterval(300);
+    connect(buscar, &QLineEdit::textChanged, pausa, qOverload<>(&QTimer::start));
+    connect(buscar, &QLineEdit::returnPressed, pausa, [this, pausa] {
+        pausa->stop();
+        CargaTimer(idElegido());
+    });
+    connect(pausa, &QTimer::timeout, this, [this] { CargaTimer(idElegido()); });
+    return buscar;
+}
+
+QPushButton* TListaCatalogoF::creaBotonBorrar() {
+    auto* borrar = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
+                             QStringLiteral("BotonBorrar"), "peligro", pagina_);
+    borrar->setAccessibleName(QStringLiteral("Borrar ") + singular_);
+    abajo_->insertWidget(1, borrar);
+    connect(lista_, &QListWidget::currentItemChanged, borrar,
+            [this, borrar] { borrar->setEnabled(lista_->currentItem() != nullptr); });
+    borrar->setEnabled(false);
+    return borrar;
+}
+
+void TListaCatalogoF::borraConPregunta(const QString& pregunta, std::function<QString()> elimina) {
+    if (!mensajes_.preguntaSiNo(pregunta)) return;
+    Sonidos::reproduce(Sonido::Click);
+    ejecutaConLeyenda(this, QStringLiteral("Registrando Transacción."),
+                      [this, elimina = std::move(elimina)] {
+                          QString rechazo;
+                          try {
+                              rechazo = elimina();
+                          } catch (const std::exception& e) {
+                              error(QString::fromUtf8(MensajeErrorRegistro) + QStringLiteral("\n") +
+                                    QString::fromUtf8(e.what()));
+                              qWarning() << windowTitle() << "borrar:" << e.what();
+                              return;
+                          }
+                          if (!rechazo.isEmpty()) {
+                              error(rechazo);
+                              return;
+                          }
+                          CargaTimer(0);
+                      });
 }
 
 void TListaCatalogoF::muestraLista() {

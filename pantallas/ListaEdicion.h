@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include <QPushButton>
 #include <QWidget>
@@ -8,6 +9,7 @@
 #include "pantallas/Mensajes.h"
 
 class QHBoxLayout;
+class QLineEdit;
 class QLabel;
 class QListWidget;
 class QListWidgetItem;
@@ -84,6 +86,14 @@ protected:
     void error(const QString& mensaje);
     // "Número de Registros: n", o "Registros Filtrados: n" con un filtro escrito.
     void ponConteo(const QString& filtro, int registros);
+    // Búsqueda que va al servicio: un campo arriba de la lista que vuelve a leer (CargaTimer) al
+    // dejar de teclear o con Enter. Devuelve el campo ("Buscar" + singular).
+    QLineEdit* creaBusquedaEnServicio(const QString& indicacion);
+    // "Borrar" junto a los botones de abajo ("BotonBorrar"), activo con un renglón elegido.
+    QPushButton* creaBotonBorrar();
+    // Pregunta, y con la leyenda corre `elimina` (vacío: se borró; si no, el motivo del
+    // rechazo); avisa el rechazo o la falla, o vuelve a leer la lista.
+    void borraConPregunta(const QString& pregunta, std::function<QString()> elimina);
 
     Mensajes mensajes_{this};
     QWidget* pagina_;        // la página de la lista, objectName "Selecciona..."
@@ -104,6 +114,7 @@ private:
     void muestraLista();
 
     QStackedWidget* paginas_; // "Paginas"
+    QString singular_;
 };
 
 } // namespace cajaplex

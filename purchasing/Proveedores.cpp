@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
-#include <QTimer>
 #include <QtDebug>
 
 #include "catalog/CatalogoProductos.h"
@@ -140,31 +139,10 @@ TProveedoresF::TProveedoresF(const Sesion& sesion, QWidget* padre)
     : TListaCatalogoF(QStringLiteral("Proveedores"), QStringLiteral("Proveedor"),
                       QStringLiteral("Proveedores"), padre),
       sesion_(sesion), catalogo_(ModuloDeDatos.ConexionBD, sesion) {
-    buscar_ = new QLineEdit(pagina_);
-    buscar_->setObjectName(QStringLiteral("BuscarProveedor"));
-    buscar_->setPlaceholderText(QStringLiteral("Nombre, Razón Social, RFC, Contacto ó Teléfono"));
-    buscar_->setAccessibleName(QStringLiteral("Buscar Proveedor"));
-    buscar_->setClearButtonEnabled(true);
-    buscar_->setMinimumHeight(AltoControl);
-    buscar_->addAction(icono(QStringLiteral("Buscar")), QLineEdit::LeadingPosition);
-    capaLista_->insertWidget(0, buscar_);
-    // La búsqueda va al servicio: espera a que se deje de teclear, o Enter la hace de inmediato.
-    pausaBusqueda_ = new QTimer(this);
-    pausaBusqueda_->setSingleShot(true);
-    pausaBusqueda_->setInterval(300);
-    connect(buscar_, &QLineEdit::textChanged, pausaBusqueda_, qOverload<>(&QTimer::start));
-    connect(buscar_, &QLineEdit::returnPressed, pausaBusqueda_, [this] {
-        pausaBusqueda_->stop();
-        CargaTimer(idElegido());
-    });
-    connect(pausaBusqueda_, &QTimer::timeout, this, [this] { CargaTimer(idElegido()); });
-
+    buscar_ =
+        creaBusquedaEnServicio(QStringLiteral("Nombre, Razón Social, RFC, Contacto ó Teléfono"));
     nuevo_ = findChild<QPushButton*>(QStringLiteral("BotonNuevo"));
-    borrar_ = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
-                        QStringLiteral("BotonBorrar"), "peligro", pagina_);
-    borrar_->setAccessibleName(QStringLiteral("Borrar Proveedor"));
-    connect(borrar_, &QPushButton::clicked, this, &TProveedoresF::BotonBorrarClick);
-    abajo_->insertWidget(1, borrar_);
+    connect(creaBotonBorrar(), &QPushButton::clicked, this, &TProveedoresF::BotonBorrarClick);
 
     edicion_ = new TProveedoresEditaF(sesion, this);
     arma(edicion_);
@@ -206,7 +184,6 @@ std::optional<DatosProveedor> TProveedoresF::proveedorElegido() const {
 
 void TProveedoresF::actualizaAcciones() {
     TListaCatalogoF::actualizaAcciones();
-    borrar_->setEnabled(lista_->currentItem() != nullptr);
     if (nuevo_) nuevo_->setEnabled(sesion_.puedeCompras(QStringLiteral("ProveedorNuevo")));
 }
 
@@ -228,30 +205,10 @@ void TProveedoresF::BotonModificarClick() {
 void TProveedoresF::BotonBorrarClick() {
     const std::optional<DatosProveedor> p = proveedorElegido();
     if (!p) return;
-    if (!mensajes_.preguntaSiNo(QStringLiteral("¿Desea Eliminar el Proveedor ") + p->nombre +
-                                QLatin1Char('?')))
-        return;
-    Sonidos::reproduce(Sonido::Click);
     const DatosProveedor proveedor = *p;
-    ejecutaConLeyenda(this, QStringLiteral("Registrando Transacción."),
-                      [this, proveedor] { EliminaProveedorTimer(proveedor); });
-}
-
-void TProveedoresF::EliminaProveedorTimer(const DatosProveedor& proveedor) {
-    QString rechazo;
-    try {
-        rechazo = catalogo_.elimina(proveedor);
-    } catch (const std::exception& e) {
-        error(QString::fromUtf8(MensajeErrorRegistro) + QStringLiteral("\n") +
-              QString::fromUtf8(e.what()));
-        qWarning() << "Proveedores, borrar:" << e.what();
-        return;
-    }
-    if (!rechazo.isEmpty()) {
-        error(rechazo);
-        return;
-    }
-    CargaTimer(0);
+    borraConPregunta(QStringLiteral("¿Desea Eliminar el Proveedor ") + proveedor.nombre +
+                         QLatin1Char('?'),
+                     [this, proveedor] { return catalogo_.elimina(proveedor); });
 }
 
 } // namespace cajaplex

@@ -9,7 +9,6 @@
 #include "purchasing/CatalogoProveedores.h"
 
 class QLineEdit;
-class QTimer;
 
 namespace cajaplex {
 
@@ -55,15 +54,12 @@ private slots:
 
 private:
     std::optional<DatosProveedor> proveedorElegido() const;
-    void EliminaProveedorTimer(const DatosProveedor& proveedor);
 
     const Sesion& sesion_;
     CatalogoProveedores catalogo_;
     std::vector<DatosProveedor> proveedores_;
     QLineEdit* buscar_;           // "BuscarProveedor"
-    QTimer* pausaBusqueda_;       // busca al dejar de teclear
     QPushButton* nuevo_;          // "BotonNuevo"
-    QPushButton* borrar_;         // "BotonBorrar"
     TProveedoresEditaF* edicion_; // "ProveedoresEdita"
 };
 

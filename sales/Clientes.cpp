@@ -11,7 +11,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
-#include <QTimer>
 #include <QtDebug>
 
 #include "datos/ModuloDatos.h"
@@ -165,30 +164,9 @@ TClientesF::TClientesF(const Sesion& sesion, QWidget* padre)
     : TListaCatalogoF(QStringLiteral("Clientes"), QStringLiteral("Cliente"),
                       QStringLiteral("Clientes"), padre),
       sesion_(sesion), catalogo_(ModuloDeDatos.ConexionBD, sesion) {
-    buscar_ = new QLineEdit(pagina_);
-    buscar_->setObjectName(QStringLiteral("BuscarCliente"));
-    buscar_->setPlaceholderText(QStringLiteral("Nombre, Razón Social, RFC ó Teléfono"));
-    buscar_->setAccessibleName(QStringLiteral("Buscar Cliente"));
-    buscar_->setClearButtonEnabled(true);
-    buscar_->setMinimumHeight(AltoControl);
-    buscar_->addAction(icono(QStringLiteral("Buscar")), QLineEdit::LeadingPosition);
-    capaLista_->insertWidget(0, buscar_);
-    // La búsqueda va al servicio: espera a que se deje de teclear, o Enter la hace de inmediato.
-    pausaBusqueda_ = new QTimer(this);
-    pausaBusqueda_->setSingleShot(true);
-    pausaBusqueda_->setInterval(300);
-    connect(buscar_, &QLineEdit::textChanged, pausaBusqueda_, qOverload<>(&QTimer::start));
-    connect(buscar_, &QLineEdit::returnPressed, pausaBusqueda_, [this] {
-        pausaBusqueda_->stop();
-        CargaTimer(idElegido());
-    });
-    connect(pausaBusqueda_, &QTimer::timeout, this, [this] { CargaTimer(idElegido()); });
-
+    buscar_ = creaBusquedaEnServicio(QStringLiteral("Nombre, Razón Social, RFC ó Teléfono"));
     nuevo_ = findChild<QPushButton*>(QStringLiteral("BotonNuevo"));
-    borrar_ = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Borrar"),
-                        QStringLiteral("BotonBorrar"), "peligro", pagina_);
-    connect(borrar_, &QPushButton::clicked, this, &TClientesF::BotonBorrarClick);
-    abajo_->insertWidget(1, borrar_);
+    connect(creaBotonBorrar(), &QPushButton::clicked, this, &TClientesF::BotonBorrarClick);
 
     edicion_ = new TClientesEditaF(sesion, this);
     arma(edicion_);
@@ -234,7 +212,6 @@ std::optional<DatosCliente> TClientesF::clienteElegido() const {
 
 void TClientesF::actualizaAcciones() {
     TListaCatalogoF::actualizaAcciones();
-    borrar_->setEnabled(lista_->currentItem() != nullptr);
     if (nuevo_) nuevo_->setEnabled(sesion_.puedeVentas(QStringLiteral("clienteNuevo")));
 }
 
@@ -256,29 +233,10 @@ void TClientesF::BotonModificarClick() {
 void TClientesF::BotonBorrarClick() {
     const std::optional<DatosCliente> c = clienteElegido();
     if (!c) return;
-    if (!mensajes_.preguntaSiNo(QStringLiteral("¿Desea Eliminar el Cliente ") + c->nombre +
-                                QLatin1Char('?')))
-        return;
-    Sonidos::reproduce(Sonido::Click);
     const DatosCliente cliente = *c;
-    ejecutaConLeyenda(this, QStringLiteral("Registrando Transacción."),
-                      [this, cliente] { EliminaClienteTimer(cliente); });
-}
-
-void TClientesF::EliminaClienteTimer(const DatosCliente& cliente) {
-    QString rechazo;
-    try {
-        rechazo = catalogo_.elimina(cliente);
-    } catch (const std::exception& e) {
-        error(QString::fromUtf8(MensajeErrorRegistro));
-        qWarning() << "Clientes, borrar:" << e.what();
-        return;
-    }
-    if (!rechazo.isEmpty()) {
-        error(rechazo);
-        return;
-    }
-    CargaTimer(0);
+    borraConPregunta(QStringLiteral("¿Desea Eliminar el Cliente ") + cliente.nombre +
+                         QLatin1Char('?'),
+                     [this, cliente] { return catalogo_.elimina(cliente); });
 }
 
 } // namespace cajaplex

@@ -10,7 +10,6 @@
 
 class QComboBox;
 class QLineEdit;
-class QTimer;
 
 namespace cajaplex {
 
@@ -65,15 +64,12 @@ private slots:
 
 private:
     std::optional<DatosCliente> clienteElegido() const;
-    void EliminaClienteTimer(const DatosCliente& cliente);
 
     const Sesion& sesion_;
     CatalogoClientes catalogo_;
     std::vector<DatosCliente> clientes_;
     QLineEdit* buscar_;        // "BuscarCliente"
-    QTimer* pausaBusqueda_;    // busca al dejar de teclear
     QPushButton* nuevo_;       // "BotonNuevo"
-    QPushButton* borrar_;      // "BotonBorrar"
     TClientesEditaF* edicion_; // "ClientesEdita"
 };
 
