@@ -179,8 +179,8 @@ TComprasModulosDiversosF::TComprasModulosDiversosF(const Sesion& sesion, QWidget
         this);
     tabla_ = creaVistaTabla(QStringLiteral("TransaccionDetalles"), modelo_, 44, this);
     tabla_->setAccessibleName(QStringLiteral("Productos de la transacción"));
-    // La descripción toma el espacio; cada columna numérica, lo que pide su título.
-    tabla_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    // Vacía aún: cada columna numérica queda a lo que pide su título; la descripción toma el resto.
+    tabla_->resizeColumnsToContents();
     tabla_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
     totales_ = creaEtiqueta({}, QStringLiteral("Totales"), "titulo", this);
     totales_->setAccessibleName(QStringLiteral("Totales"));

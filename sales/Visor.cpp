@@ -137,8 +137,6 @@ TVisorF::TVisorF(const Sesion& sesion, const QString& carpetaEstacion, QWidget* 
     auto hoja = [this](ModeloTabla* modelo, const QString& nombre, const QString& titulo) {
         QTableView* t = creaVistaTabla(nombre, modelo, kAltoRenglon, hojas_);
         t->setAccessibleName(titulo);
-        // Cada columna a lo que pide su contenido; el texto largo (artículo, nota) toma el resto.
-        t->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
         t->horizontalHeader()->setStretchLastSection(true);
         hojas_->addTab(t, titulo);
     };
@@ -227,6 +225,9 @@ void TVisorF::llena() {
     pagos_->cambia([v] { return v ? static_cast<int>(v->pagos.size()) : 0; });
     anticipos_->cambia([v] { return v ? static_cast<int>(v->anticipos.size()) : 0; });
     bitacora_->cambia([v] { return v ? static_cast<int>(v->bitacora.size()) : 0; });
+    // Ya con la venta en los modelos: cada columna a lo que pide su contenido, una vez.
+    for (QTableView* t : hojas_->findChildren<QTableView*>())
+        t->resizeColumnsToContents();
     imprimir_->setEnabled(v != nullptr);
     pdf_->setEnabled(v != nullptr);
     cancelar_->setEnabled(v != nullptr && !v->cancelada);
