@@ -26,6 +26,7 @@
 #include <QTest>
 #include <QTreeWidget>
 
+#include "bench/Percentil.h"
 #include "catalog/CatalogoProductos.h"
 #include "catalog/Productos.h"
 #include "datos/ModuloDatos.h"
@@ -34,6 +35,8 @@
 #include "tests/fixtures/ServicioPrueba.h"
 
 namespace {
+
+using cajaplex::carga::percentil;
 
 using namespace cajaplex;
 using Reloj = std::chrono::steady_clock;
@@ -107,12 +110,6 @@ struct Cifras {
     std::vector<double> ms;
     int renglones = 0;
 };
-
-double percentil(std::vector<double> v, double p) {
-    if (v.empty()) return 0;
-    std::sort(v.begin(), v.end());
-    return v[static_cast<size_t>(p * static_cast<double>(v.size() - 1) + 0.5)];
-}
 
 void imprime(const char* operacion, const Cifras& c) {
     std::printf("%-46s %9d %10.1f %8.1f\n", operacion, c.renglones, percentil(c.ms, 0.5),

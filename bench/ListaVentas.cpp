@@ -22,6 +22,7 @@
 #include <QTableView>
 #include <QTest>
 
+#include "bench/Percentil.h"
 #include "datos/ModuloDatos.h"
 #include "datos/Transaccion.h"
 #include "pantallas/Mensajes.h"
@@ -31,6 +32,8 @@
 #include "tests/fixtures/ServicioPrueba.h"
 
 namespace {
+
+using cajaplex::carga::percentil;
 
 using namespace cajaplex;
 
@@ -75,12 +78,6 @@ struct Cifras {
     std::vector<double> ms;
     int renglones = 0;
 };
-
-double percentil(std::vector<double> ms, double p) {
-    if (ms.empty()) return 0.0;
-    std::sort(ms.begin(), ms.end());
-    return ms[static_cast<size_t>(p * static_cast<double>(ms.size() - 1) + 0.5)];
-}
 
 void imprime(const char* que, const Cifras& c) {
     std::printf("%-56s %9d %10.1f %8.1f\n", que, c.renglones, percentil(c.ms, 0.5),

@@ -31,6 +31,7 @@
 #include <QTest>
 #include <QTreeWidget>
 
+#include "bench/Percentil.h"
 #include "catalog/IncrementoPrecios.h"
 #include "catalog/InventarioValorizado.h"
 #include "catalog/PreciosProductos.h"
@@ -147,13 +148,7 @@ struct Muestras {
     std::vector<double> ms;
     int renglones = 0;
 
-    double percentil(double p) const {
-        std::vector<double> orden = ms;
-        std::sort(orden.begin(), orden.end());
-        return orden.empty()
-                   ? 0.0
-                   : orden[static_cast<size_t>(p * static_cast<double>(orden.size() - 1) + 0.5)];
-    }
+    double percentil(double p) const { return carga::percentil(ms, p); }
 };
 
 void reporta(const char* que, const Muestras& m) {

@@ -28,6 +28,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "bench/Percentil.h"
 #include "datos/ModuloDatos.h"
 #include "datos/Transaccion.h"
 #include "pantallas/Mensajes.h"
@@ -37,6 +38,8 @@
 #include "tests/fixtures/ServicioPrueba.h"
 
 namespace {
+
+using cajaplex::carga::percentil;
 
 using namespace cajaplex;
 using Reloj = std::chrono::steady_clock;
@@ -69,12 +72,6 @@ void siembra(ConexionBD& conexion) {
         }
         lote.ejecuta();
     }
-}
-
-double percentil(std::vector<double> v, double p) {
-    if (v.empty()) return 0;
-    std::sort(v.begin(), v.end());
-    return v[static_cast<size_t>(p * static_cast<double>(v.size() - 1) + 0.5)];
 }
 
 void imprime(const char* operacion, const std::vector<double>& ms) {
