@@ -14,7 +14,6 @@
 #include <QRegularExpression>
 #include <QTableView>
 #include <QTemporaryDir>
-#include <sqlcipher/sqlite3.h>
 
 #include "datos/MensajesComunes.h"
 #include "datos/ModuloDatos.h"
@@ -334,21 +333,8 @@ TEST_F(ComprasTest, LaRecepcionEnPdfLlevaTituloFolioProveedorYTotal) {
 // La bitácora (la última sentencia del lote) falla: no queda encabezado, renglón, folio ni
 // movimiento, y los renglones siguen en pantalla.
 TEST_F(ComprasTest, UnRegistroQueFallaALaMitadNoDejaNadaYConservaLosRenglones) {
-    servicio.detiene();
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open((servicio.carpeta() + "/cajaplex.db").c_str(), &db), SQLITE_OK);
-    const int rc = sqlite3_exec(db,
-                                "CREATE TRIGGER falla_bitacora BEFORE INSERT ON AuditoriasSistema "
-                                "BEGIN SELECT RAISE(ABORT, 'falla inyectada'); END;",
-                                nullptr, nullptr, nullptr);
-    sqlite3_close(db);
-    ASSERT_EQ(rc, SQLITE_OK);
-    servicio.reinicia();
-    c = servicio.cliente();
-    ModuloDeDatos.ConexionBD.desconecta();
-    ModuloDeDatos.ConexionBD.configura(QStringLiteral("127.0.0.1"), servicio.puerto(),
-                                       QString::fromStdString(kUsuarioDemo),
-                                       QString::fromStdString(kUsuarioDemo));
+    escribeConServicioDetenido("CREATE TRIGGER falla_bitacora BEFORE INSERT ON AuditoriasSistema "
+                               "BEGIN SELECT RAISE(ABORT, 'falla inyectada'); END;");
 
     const long long folio = datos.contador(1, "folioRM");
     const double antes = datos.existencia(1, "1001");

@@ -14,7 +14,6 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTreeWidget>
-#include <sqlcipher/sqlite3.h>
 
 #include "datos/AjustesEstacion.h"
 #include "datos/ModuloDatos.h"
@@ -262,20 +261,7 @@ TEST_F(ComandasTest, LaComandaSeEntregaAOtroMeseroYYaNoEsDelPrimero) {
 }
 
 TEST_F(ComandasTest, UnaFallaAMediaSeccionNoDejaNadaYElCarritoSigue) {
-    auto inyecta = [&](const char* sql) {
-        servicio.detiene();
-        sqlite3* db = nullptr;
-        ASSERT_EQ(sqlite3_open((servicio.carpeta() + "/cajaplex.db").c_str(), &db), SQLITE_OK);
-        const int rc = sqlite3_exec(db, sql, nullptr, nullptr, nullptr);
-        sqlite3_close(db);
-        ASSERT_EQ(rc, SQLITE_OK);
-        servicio.reinicia();
-        c = servicio.cliente();
-        ModuloDeDatos.ConexionBD.desconecta();
-        ModuloDeDatos.ConexionBD.configura(QStringLiteral("127.0.0.1"), servicio.puerto(),
-                                           QString::fromStdString(kUsuarioDemo),
-                                           QString::fromStdString(kUsuarioDemo));
-    };
+    auto inyecta = [&](const char* sql) { escribeConServicioDetenido(sql); };
     // El tercer enunciado del alta es la bitácora.
     inyecta("CREATE TRIGGER falla_bitacora BEFORE INSERT ON AuditoriasSistema "
             "BEGIN SELECT RAISE(ABORT, 'falla inyectada'); END;");

@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
-#include <sqlcipher/sqlite3.h>
 
 #include "datos/ModuloDatos.h"
 #include "pantallas/Mensajes.h"
@@ -139,21 +138,8 @@ TEST_F(CajaChicaTest, EstacionNoAutorizadaNoGuardaYConservaLoTecleado) {
 
 // La bitácora falla: el movimiento tampoco queda.
 TEST_F(CajaChicaTest, SiLaBitacoraFallaNoQuedaElMovimiento) {
-    servicio.detiene();
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open((servicio.carpeta() + "/cajaplex.db").c_str(), &db), SQLITE_OK);
-    const int rc = sqlite3_exec(db,
-                                "CREATE TRIGGER falla_bitacora BEFORE INSERT ON AuditoriasSistema "
-                                "BEGIN SELECT RAISE(ABORT, 'falla inyectada'); END;",
-                                nullptr, nullptr, nullptr);
-    sqlite3_close(db);
-    ASSERT_EQ(rc, SQLITE_OK);
-    servicio.reinicia();
-    c = servicio.cliente();
-    ModuloDeDatos.ConexionBD.desconecta();
-    ModuloDeDatos.ConexionBD.configura(QStringLiteral("127.0.0.1"), servicio.puerto(),
-                                       QString::fromStdString(kUsuarioDemo),
-                                       QString::fromStdString(kUsuarioDemo));
+    escribeConServicioDetenido("CREATE TRIGGER falla_bitacora BEFORE INSERT ON AuditoriasSistema "
+                               "BEGIN SELECT RAISE(ABORT, 'falla inyectada'); END;");
 
     auto f = abre();
     captura(*f, QStringLiteral("20"), QStringLiteral("Cambio"));
