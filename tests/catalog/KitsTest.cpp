@@ -15,7 +15,7 @@
 #include "datos/ModuloDatos.h"
 #include "pantallas/Mensajes.h"
 #include "pantallas/RolesRenglon.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

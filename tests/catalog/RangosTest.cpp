@@ -12,7 +12,7 @@
 #include "catalog/Rangos.h"
 #include "pantallas/Mensajes.h"
 #include "pantallas/RolesRenglon.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

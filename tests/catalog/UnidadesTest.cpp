@@ -11,7 +11,7 @@
 #include "pantallas/Mensajes.h"
 #include "pantallas/RolesRenglon.h"
 #include "pantallas/Sonidos.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

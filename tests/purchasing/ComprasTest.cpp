@@ -21,7 +21,7 @@
 #include "printing/ImpresionDocumentos.h"
 #include "printing/PlantillasLocales.h"
 #include "purchasing/ComprasModulosDiversos.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

@@ -14,7 +14,7 @@
 #include "purchasing/CatalogoProveedores.h"
 #include "purchasing/Proveedores.h"
 #include "sales/CatalogoClientes.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

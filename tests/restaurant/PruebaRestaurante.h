@@ -11,7 +11,7 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex::prueba {
 

@@ -12,7 +12,7 @@
 #include "pantallas/RolesRenglon.h"
 #include "sales/CatalogoClientes.h"
 #include "sales/Clientes.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

@@ -21,7 +21,7 @@
 #include "sales/DocumentoVenta.h"
 #include "sales/PuntoVenta.h"
 #include "sales/RegistroVenta.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

@@ -15,7 +15,7 @@
 #include "pantallas/RolesRenglon.h"
 #include "security/ModulosSeguridad.h"
 #include "security/Perfiles.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 
 namespace cajaplex {
 namespace {

@@ -13,7 +13,7 @@
 #include "pantallas/RolesRenglon.h"
 #include "pantallas/Sonidos.h"
 #include "security/Usuarios.h"
-#include "tests/catalog/PruebaUnidadesRangos.h"
+#include "tests/fixtures/Toques.h"
 #include "tests/security/AccesoPrueba.h"
 
 namespace cajaplex {
