@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include "datos/ConexionBD.h"
+
 namespace cajaplex {
 namespace {
 
@@ -76,6 +78,26 @@ QString AjustesEstacion::contrasenaServicio() const {
 void AjustesEstacion::ponCredencialesServicio(const QString& usuario, const QString& contrasena) {
     ponValor(QStringLiteral("UsuarioWEBService"), usuario);
     ponValor(QStringLiteral("ContrasenaWEBService"), contrasena);
+}
+
+bool AjustesEstacion::usaTls() const {
+    return valor(QStringLiteral("TLSWEBService"), false).toBool();
+}
+
+QString AjustesEstacion::huellaServidor() const {
+    return valor(QStringLiteral("HuellaWEBService")).toString().trimmed();
+}
+
+void AjustesEstacion::ponTls(bool usa, const QString& huella) {
+    ponValor(QStringLiteral("TLSWEBService"), usa);
+    ponValor(QStringLiteral("HuellaWEBService"), usa ? huella.trimmed() : QString());
+}
+
+void AjustesEstacion::configuraConexion(ConexionBD& conexion) const {
+    conexion.configura(direccionServidor(), puertoServidor(), usuarioServicio(),
+                       contrasenaServicio(),
+                       usaTls() ? QStringLiteral("https") : QStringLiteral("http"));
+    conexion.fijaHuella(huellaServidor());
 }
 
 QString AjustesEstacion::contrasenaBaseLocal() const {

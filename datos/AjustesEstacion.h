@@ -6,6 +6,8 @@
 
 namespace cajaplex {
 
+class ConexionBD;
+
 // Ajustes de la estación en Cajaplex.ini, sección "CajaplexOmnivar". Sin carpeta se usa la de la
 // instalación (ponCarpetaPredeterminada) o, sin ella, la de configuración del usuario. Los
 // cambios llegan al archivo con guarda().
@@ -31,6 +33,14 @@ public:
     QString usuarioServicio() const;
     QString contrasenaServicio() const;
     void ponCredencialesServicio(const QString& usuario, const QString& contrasena);
+    // HTTPS con el certificado fijado por su huella SHA-256 al instalar (vacía: el de una
+    // autoridad del sistema).
+    bool usaTls() const;
+    QString huellaServidor() const;
+    void ponTls(bool usa, const QString& huella);
+    // Deja la conexión lista con la dirección, el puerto, las credenciales y el cifrado de
+    // estos ajustes: el único lugar que los traduce a la conexión.
+    void configuraConexion(ConexionBD& conexion) const;
     QString contrasenaBaseLocal() const;
     void ponContrasenaBaseLocal(const QString& contrasena);
     QString dispositivoID() const;

@@ -41,6 +41,7 @@ QString Auditoria::imagenDeTipo(const QString& tipo) {
         {tipoAuditoria::CorteCaja, "CorteCaja"},
         {tipoAuditoria::BonificacionPuntos, "Bonificacion"},
         {tipoAuditoria::Actualizacion, "Actualizacion"},
+        {tipoAuditoria::Eliminacion, "Cancelacion"},
     };
     for (const auto& [nombre, imagen] : imagenes)
         if (tipo == QString::fromUtf8(nombre)) return QString::fromLatin1(imagen);

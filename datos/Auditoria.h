@@ -19,6 +19,7 @@ inline constexpr const char* CorteVenta = "Corte de Venta";
 inline constexpr const char* CorteCaja = "Corte de Caja";
 inline constexpr const char* BonificacionPuntos = "Bonificación Puntos";
 inline constexpr const char* Actualizacion = "Actualización";
+inline constexpr const char* Eliminacion = "Eliminación";
 } // namespace tipoAuditoria
 
 // Un renglón de AuditoriasSistema por cada operación que cambia dinero o existencias, escrito con

@@ -4,8 +4,12 @@
 #include <thread>
 #include <utility>
 
+#include <QByteArray>
+#include <QRegularExpression>
 #include <QtDebug>
 #include <httplib.h>
+#include <openssl/ssl.h>
+#include <openssl/x509.h>
 
 namespace cajaplex {
 
@@ -14,9 +18,52 @@ using protocolo::ErrorProtocolo;
 using protocolo::Resultado;
 using protocolo::Sentencia;
 
+namespace {
+
+// El certificado que el servicio debe presentar, fijado por su huella SHA-256 al instalar la
+// estación: uno distinto corta el saludo TLS antes de que salga cualquier solicitud.
+struct Huellas {
+    std::string fijada;     // "AA:BB:..."; vacía: solo se consulta (consulta = true)
+    bool consulta = false;  // anota la huella presentada y rechaza siempre
+    std::string presentada; // la del último certificado recibido
+    bool rechazada = false; // el último saludo se cortó por la huella
+};
+
+std::string huellaDe(X509* certificado) {
+    unsigned char md[EVP_MAX_MD_SIZE];
+    unsigned int largo = 0;
+    if (!certificado || !X509_digest(certificado, EVP_sha256(), md, &largo)) return {};
+    return QByteArray(reinterpret_cast<const char*>(md), static_cast<qsizetype>(largo))
+        .toHex(':')
+        .toUpper()
+        .toStdString();
+}
+
+int verificaHuella(X509_STORE_CTX* almacen, void* datos) {
+    auto* h = static_cast<Huellas*>(datos);
+    h->presentada = huellaDe(X509_STORE_CTX_get0_cert(almacen));
+    const bool coincide = !h->consulta && !h->presentada.empty() && h->presentada == h->fijada;
+    h->rechazada = !coincide;
+    if (!coincide) X509_STORE_CTX_set_error(almacen, X509_V_ERR_CERT_REJECTED);
+    return coincide ? 1 : 0;
+}
+
+// Con huella (o para consultarla) se acepta solo ese certificado, sin autoridades ni nombre;
+// sin ella, httplib verifica con las autoridades del sistema y el nombre del servidor.
+void fijaCertificado(httplib::Client& http, Huellas& huellas) {
+    if (huellas.fijada.empty() && !huellas.consulta) return;
+    http.enable_server_certificate_verification(false);
+    SSL_CTX* contexto = http.ssl_context();
+    SSL_CTX_set_verify(contexto, SSL_VERIFY_PEER, nullptr);
+    SSL_CTX_set_cert_verify_callback(contexto, verificaHuella, &huellas);
+}
+
+} // namespace
+
 struct ConexionBD::Cliente {
     explicit Cliente(const std::string& servidor) : http(servidor) {}
     httplib::Client http;
+    Huellas huellas;
 };
 
 namespace {
@@ -118,22 +165,23 @@ ConexionBD::RespuestaHttp ConexionBD::intenta(const std::string& ruta, const std
     if (direccion_.empty() || puerto_ <= 0)
         throw ErrorServicio(CodigoConexion, 0,
                             "La conexión con el servicio de datos no está configurada");
-    if (!cliente_) {
-        cliente_ = std::make_unique<Cliente>(origen);
-        auto& http = cliente_->http;
-        http.set_keep_alive(true);
-        http.set_tcp_nodelay(true);
-        http.set_connection_timeout(esperaConexion_);
-        http.set_read_timeout(esperaLectura_);
-        http.set_write_timeout(esperaLectura_);
-        http.set_basic_auth(usuario_, contrasena_);
-    }
+    if (!cliente_) cliente_ = creaCliente();
     httplib::Headers cabeceras;
     for (const auto& e : encabezados)
         cabeceras.emplace(e.nombre, e.valor);
     const std::string destino = std::string(protocolo::RutaBase) + ruta;
     // httplib manda Content-Length aun con cuerpo vacío ("Content-Length: 0").
+    cliente_->huellas.rechazada = false;
     auto res = cliente_->http.Post(destino, cabeceras, cuerpo, "application/json");
+    if (!res && cliente_->huellas.rechazada) {
+        qWarning().noquote() << QStringLiteral("El servicio en %1 presentó el certificado %2; la "
+                                               "estación espera %3")
+                                    .arg(QString::fromStdString(origen),
+                                         QString::fromStdString(cliente_->huellas.presentada),
+                                         QString::fromStdString(cliente_->huellas.fijada));
+        cliente_.reset();
+        throw ErrorServicio(CodigoCertificado, 0, MensajeCertificadoCambio);
+    }
     if (!res)
         throw ErrorServicio(CodigoConexion, 0,
                             "Sin respuesta del servicio de datos en " + origen + destino + ": " +
@@ -262,6 +310,94 @@ std::vector<Resultado> ConexionBD::ejecutaLote(const std::vector<Sentencia>& lot
     for (const auto& r : j["resultados"])
         resultados.push_back(resultadoDe(r));
     return resultados;
+}
+
+std::unique_ptr<ConexionBD::Cliente> ConexionBD::creaCliente() const {
+    auto cliente =
+        std::make_unique<Cliente>(esquema_ + "://" + direccion_ + ":" + std::to_string(puerto_));
+    auto& http = cliente->http;
+    http.set_keep_alive(true);
+    http.set_tcp_nodelay(true);
+    http.set_connection_timeout(esperaConexion_);
+    http.set_read_timeout(esperaLectura_);
+    http.set_write_timeout(esperaLectura_);
+    http.set_basic_auth(usuario_, contrasena_);
+    if (esquema_ == "https") {
+        cliente->huellas.fijada = huella_;
+        fijaCertificado(http, cliente->huellas);
+    }
+    return cliente;
+}
+
+void ConexionBD::fijaHuella(const QString& huella) {
+    std::lock_guard bloqueo(mutex_);
+    cliente_.reset();
+    huella_ = cadena(normalizaHuella(huella));
+}
+
+QString ConexionBD::normalizaHuella(const QString& huella) {
+    QString hex = huella.toUpper();
+    hex.remove(QRegularExpression(QStringLiteral("[^0-9A-F]")));
+    if (hex.size() != 64) return {};
+    return QString::fromLatin1(QByteArray::fromHex(hex.toLatin1()).toHex(':').toUpper());
+}
+
+QString ConexionBD::huellaServicio(const QString& direccion, int puerto,
+                                   std::chrono::milliseconds espera) {
+    Huellas huellas;
+    huellas.consulta = true;
+    httplib::Client http("https://" + cadena(direccion.trimmed()) + ":" + std::to_string(puerto));
+    http.set_connection_timeout(espera);
+    http.set_read_timeout(espera);
+    fijaCertificado(http, huellas);
+    // El saludo se corta al ver el certificado: la solicitud nunca sale.
+    http.Get(std::string(protocolo::RutaBase) + "salud");
+    return QString::fromStdString(huellas.presentada);
+}
+
+CredencialesEstacion ConexionBD::solicitaCredencialesEstacion(const QString& dispositivoID,
+                                                              const QString& descripcion) {
+    json cuerpo{{"dispositivoID", cadena(dispositivoID.trimmed())}};
+    if (!descripcion.trimmed().isEmpty()) cuerpo["descripcion"] = cadena(descripcion.trimmed());
+    const json j = leeJson(post("estaciones", cuerpo.dump(), {}));
+    const auto usuario = j.find("usuario");
+    const auto contrasena = j.find("contrasena");
+    if (usuario == j.end() || !usuario->is_string() || contrasena == j.end() ||
+        !contrasena->is_string())
+        throw ErrorServicio("respuesta", 200, "El servicio no devolvió las credenciales");
+    return {QString::fromStdString(usuario->get<std::string>()),
+            QString::fromStdString(contrasena->get<std::string>())};
+}
+
+std::unique_ptr<ConexionBD::EsperaEventos> ConexionBD::esperaEventos() const {
+    std::lock_guard bloqueo(mutex_);
+    if (direccion_.empty() || puerto_ <= 0)
+        throw ErrorServicio(CodigoConexion, 0,
+                            "La conexión con el servicio de datos no está configurada");
+    return std::make_unique<EsperaEventos>(creaCliente());
+}
+
+ConexionBD::EsperaEventos::EsperaEventos(std::unique_ptr<Cliente> cliente)
+    : cliente_(std::move(cliente)) {}
+
+ConexionBD::EsperaEventos::~EsperaEventos() = default;
+
+std::string ConexionBD::EsperaEventos::espera(const std::string& consulta, int segundos) {
+    auto& http = cliente_->http;
+    // La respuesta puede tardar lo pedido: se le da holgura antes de darla por perdida.
+    http.set_read_timeout(std::chrono::seconds(segundos + 10));
+    const std::string destino = std::string(protocolo::RutaBase) + "eventos?" + consulta;
+    auto res = http.Get(destino);
+    if (!res)
+        throw ErrorServicio(CodigoConexion, 0,
+                            "Sin respuesta del servicio de datos a " + destino + ": " +
+                                describe(res.error()));
+    if (res->status != 200) lanzaError(res->status, res->body);
+    return std::move(res->body);
+}
+
+void ConexionBD::EsperaEventos::interrumpe() {
+    cliente_->http.stop();
 }
 
 } // namespace cajaplex

@@ -24,6 +24,11 @@ inline constexpr const char* CodigoProgramacion = "programacion";
 inline constexpr const char* CodigoInexistente = "inexistente";
 // Se dejó de preguntar por una escritura cuyo resultado no se supo (ver ConexionBD::reintentos).
 inline constexpr const char* CodigoIncierto = "incierto";
+// Clave de ErrorServicio cuando el servicio presentó otro certificado que el fijado; no se envió
+// nada. Su mensaje es MensajeCertificadoCambio.
+inline constexpr const char* CodigoCertificado = "certificado";
+inline constexpr const char* MensajeCertificadoCambio =
+    "El certificado del servicio cambió; contacte al Administrador";
 
 // El único error del acceso a datos. Lleva la clave del servicio ("sql", "restriccion",
 // "ocupado"...) o CodigoConexion, el estado HTTP (0 sin respuesta) y el detalle para la bitácora;
@@ -76,6 +81,12 @@ struct ReintentoEscritura {
     std::string detalle; // por qué no hubo respuesta, para la bitácora
 };
 
+// Las credenciales propias de una estación (POST .../estaciones).
+struct CredencialesEstacion {
+    QString usuario;
+    QString contrasena;
+};
+
 // Lo que un dataset necesita de su conexión: correr una sentencia fuera de transacción.
 // La implementan la conexión remota y la local.
 class ConexionDatos {
@@ -101,12 +112,33 @@ public:
     void configura(const QString& direccion, int puerto, const QString& usuario,
                    const QString& contrasena, const QString& esquema = QStringLiteral("http"));
     void tiempos(std::chrono::milliseconds conexion, std::chrono::milliseconds lectura);
+    // Con https, el único certificado que se acepta es el de esta huella SHA-256 ("AA:BB:...",
+    // sin importar mayúsculas ni separadores); otro sale como ErrorServicio con
+    // CodigoCertificado antes de enviar nada. Vacía: se verifica con las autoridades del sistema.
+    void fijaHuella(const QString& huella);
     QString servidor() const;
+
+    // "AA:BB:..." (64 dígitos) de una huella escrita de cualquier forma; vacío si no lo es.
+    static QString normalizaHuella(const QString& huella);
+    // La huella del certificado que presenta el servicio en esa dirección, sin enviarle nada;
+    // vacío si no contesta HTTPS.
+    static QString huellaServicio(const QString& direccion, int puerto,
+                                  std::chrono::milliseconds espera = EsperaConexion);
+    // POST .../estaciones: la conexión va configurada con el usuario y la contraseña de un
+    // administrador del sistema. Lanza ErrorServicio (401 si no lo es).
+    CredencialesEstacion solicitaCredencialesEstacion(const QString& dispositivoID,
+                                                      const QString& descripcion);
 
     // Comprueba que el servicio contesta y acepta las credenciales.
     void conecta();
     // Cierra la conexión persistente; la siguiente solicitud abre otra.
     void desconecta();
+
+    // Una espera de cambios (GET .../eventos) con su propio cliente HTTP, armado con la misma
+    // dirección, credenciales y cifrado que las sentencias: una espera larga no detiene a nadie.
+    // Se pide una nueva para tomar los ajustes vigentes (p. ej. tras reconfigurar).
+    class EsperaEventos;
+    std::unique_ptr<EsperaEventos> esperaEventos() const;
 
     protocolo::Resultado ejecuta(const protocolo::Sentencia& sentencia) override;
     protocolo::Resultado ejecuta(const protocolo::Sentencia& sentencia,
@@ -162,6 +194,8 @@ private:
                                    const std::vector<Encabezado>& encabezados);
 
     struct Cliente;
+    // El cliente HTTP con los ajustes actuales; se llama con mutex_ tomado.
+    std::unique_ptr<Cliente> creaCliente() const;
     mutable std::mutex mutex_; // un cliente HTTP no se usa desde dos hilos a la vez
     std::unique_ptr<Cliente> cliente_;
     std::string esquema_ = "http";
@@ -169,10 +203,29 @@ private:
     int puerto_ = 0;
     std::string usuario_;
     std::string contrasena_;
+    std::string huella_;
     std::chrono::milliseconds esperaConexion_ = EsperaConexion;
     std::chrono::milliseconds esperaLectura_ = EsperaLectura;
     EsperaReintento esperaReintento_;
     std::chrono::milliseconds limiteReintentos_ = LimiteReintentos;
+};
+
+// Ver ConexionBD::esperaEventos. Un solo hilo espera; otro puede interrumpirla.
+class ConexionBD::EsperaEventos {
+public:
+    explicit EsperaEventos(std::unique_ptr<Cliente> cliente);
+    ~EsperaEventos();
+    EsperaEventos(const EsperaEventos&) = delete;
+    EsperaEventos& operator=(const EsperaEventos&) = delete;
+
+    // GET .../eventos?`consulta` esperando hasta `segundos` (lo que se pide al servicio); devuelve
+    // el cuerpo del 200. Otro estado, o sin respuesta, lanza ErrorServicio.
+    std::string espera(const std::string& consulta, int segundos);
+    // Desde otro hilo: corta la espera en curso, que sale con ErrorServicio de conexión.
+    void interrumpe();
+
+private:
+    std::unique_ptr<Cliente> cliente_;
 };
 
 } // namespace cajaplex

@@ -63,11 +63,16 @@ ResultadoAcceso InicioSesion::valida(const DatosAcceso& datos) {
     auto& conexion = modulo_.ConexionBD;
     try {
         conexion.desconecta();
-        conexion.configura(direccion, puerto, ajustes_.usuarioServicio(),
-                           ajustes_.contrasenaServicio());
+        ajustes_.configuraConexion(conexion);
         conexion.conecta();
     } catch (const ErrorServicio& e) {
         qWarning() << "Conexión con el servicio:" << e.mensaje();
+        // Otro certificado que el fijado al instalar: no se envió nada.
+        if (e.codigo() == CodigoCertificado)
+            return {QString::fromUtf8(MensajeCertificadoCambio), {}};
+        // El servicio rechaza las credenciales de la estación: la dieron de baja.
+        if (e.estadoHttp() == 401)
+            return {QString::fromUtf8(MensajeDispositivoNoAutorizado) + dispositivoID_, {}};
         return {QStringLiteral("Error de conexión, verifique los datos introducidos."), {}};
     }
 

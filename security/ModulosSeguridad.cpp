@@ -2,6 +2,7 @@
 
 #include "pantallas/RegistroModulos.h"
 #include "security/Auditorias.h"
+#include "security/Dispositivos.h"
 #include "security/Perfiles.h"
 #include "security/Usuarios.h"
 
@@ -18,6 +19,9 @@ void registraModulosSeguridad() {
     RegistroModulos::registra({grupo, QStringLiteral("Auditorias"),
                                QStringLiteral("Bitácoras del Sistema"), QStringLiteral("Bitacoras"),
                                [](const Sesion& s) -> QWidget* { return new TAuditoriasF(s); }});
+    RegistroModulos::registra({grupo, QStringLiteral("Dispositivos"),
+                               QStringLiteral("Dispositivos"), QStringLiteral("Huella"),
+                               [](const Sesion& s) -> QWidget* { return new TDispositivosF(s); }});
 }
 
 } // namespace cajaplex

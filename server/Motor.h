@@ -21,11 +21,13 @@ inline constexpr const char* TablaIdempotencia = "cajaplex_idempotencia";
 // Movimiento de existencias de cada renglón de documento, tal como se hizo al escribirlo: la
 // cancelación revierte exactamente esto.
 inline constexpr const char* TablaMovimientos = "cajaplex_movimientos";
+// Credenciales de las estaciones: usuario, dispositivo y SHA-256 del secreto.
+inline constexpr const char* TablaEstaciones = "cajaplex_estaciones";
 
 // Nombre (en minúsculas) de una tabla de contabilidad del servicio.
 inline bool esTablaDeContabilidad(std::string_view nombre) {
     return nombre == TablaVersionEsquema || nombre == TablaIdempotencia ||
-           nombre == TablaMovimientos;
+           nombre == TablaMovimientos || nombre == TablaEstaciones;
 }
 
 class SalidaJson;

@@ -491,9 +491,11 @@ private:
         auto* self = static_cast<ConexionSqlite*>(datos);
         if (self->confiable_) return SQLITE_OK;
         // Los disparadores del esquema (las estaciones no pueden crear ninguno) llevan la
-        // contabilidad de existencias en tablas que las estaciones no ven.
+        // contabilidad de existencias en tablas que las estaciones no ven, y borran las
+        // credenciales de un dispositivo dado de baja.
         if (disparador != nullptr && empiezaCon(disparador, "tr_") &&
-            (accion == SQLITE_READ || accion == SQLITE_INSERT || accion == SQLITE_UPDATE) &&
+            (accion == SQLITE_READ || accion == SQLITE_INSERT || accion == SQLITE_UPDATE ||
+             accion == SQLITE_DELETE) &&
             a1 != nullptr && esTablaDeContabilidad(minusculas(a1)))
             return SQLITE_OK;
         const int decision = decide(accion, a1, a2);

@@ -12,6 +12,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include "server/Certificados.h"
 #include "server/Eventos.h"
 #include "server/Migraciones.h"
 #include "server/MotorSqlite.h"
@@ -28,17 +29,24 @@ struct Opciones {
     std::string direccion = "127.0.0.1";
     int puerto = 8080;
     bool demo = false;
+    bool tls = false;
+    std::string certificado;
+    std::string clave;
     long long memoriaMiB = 512;
     long long paginasMaximas = 0;
 };
 
 [[noreturn]] void uso(const std::string& problema) {
-    std::cerr << problema << "\n"
-              << "Uso: cajaplex-servidor --datos DIR [--direccion 127.0.0.1] [--puerto 8080] "
-                 "[--demo] [--memoria MiB] [--paginas-maximas N]\n"
-                 "  --memoria MiB          límite de memoria de SQLite para todo el proceso "
-                 "(512)\n"
-                 "  --paginas-maximas N    tope de páginas del archivo (pruebas: disco lleno)\n";
+    std::cerr
+        << problema << "\n"
+        << "Uso: cajaplex-servidor --datos DIR [--direccion 127.0.0.1] [--puerto 8080] "
+           "[--demo] [--tls [--certificado ARCHIVO --clave ARCHIVO]] [--memoria MiB] "
+           "[--paginas-maximas N]\n"
+           "  --tls                  HTTPS (siempre que --direccion no sea de esta máquina);\n"
+           "                         sin --certificado/--clave usa uno autofirmado en DIR/tls\n"
+           "  --memoria MiB          límite de memoria de SQLite para todo el proceso "
+           "(512)\n"
+           "  --paginas-maximas N    tope de páginas del archivo (pruebas: disco lleno)\n";
     std::exit(2);
 }
 
@@ -62,6 +70,12 @@ Opciones leeOpciones(int argc, char** argv) {
             o.puerto = static_cast<int>(p);
         } else if (arg == "--demo") {
             o.demo = true;
+        } else if (arg == "--tls") {
+            o.tls = true;
+        } else if (arg == "--certificado") {
+            o.certificado = siguiente();
+        } else if (arg == "--clave") {
+            o.clave = siguiente();
         } else if (arg == "--memoria" || arg == "--paginas-maximas") {
             const std::string valor = siguiente();
             char* fin = nullptr;
@@ -75,6 +89,9 @@ Opciones leeOpciones(int argc, char** argv) {
         }
     }
     if (o.datos.empty()) uso("Falta --datos DIR");
+    if (o.certificado.empty() != o.clave.empty()) uso("--certificado y --clave van juntos");
+    // La red del negocio no es de confianza: fuera de esta máquina solo se habla HTTPS.
+    if (!o.certificado.empty() || !esDireccionLocal(o.direccion)) o.tls = true;
     return o;
 }
 
@@ -149,9 +166,28 @@ int main(int argc, char** argv) {
     sqlite.alConfirmar = [&eventos](const std::set<std::string>& t) { eventos.publica(t); };
     MotorSqlite motorServicio(sqlite);
 
+    std::string huella;
+    if (opciones.tls) {
+        try {
+            const auto par = preparaCertificado(opciones.datos, opciones.direccion,
+                                                opciones.certificado, opciones.clave);
+            http.certificado = par.certificado;
+            http.clave = par.clave;
+            huella = par.huella;
+        } catch (const std::exception& e) {
+            std::cerr << "Certificado del servicio: " << e.what() << "\n";
+            return 1;
+        }
+    }
+
     Servicio servicio(motorServicio, TiemposTransaccion{});
     http.puerto = opciones.puerto;
     ServidorHttp servidor(servicio, http, &eventos);
+    if (!servidor.valido()) {
+        std::cerr << "No se pudo cargar el certificado " << http.certificado << " con la clave "
+                  << http.clave << "\n";
+        return 1;
+    }
     const int puerto = servidor.abre();
     if (puerto <= 0) {
         std::cerr << "No se pudo abrir " << opciones.direccion << ":" << opciones.puerto << "\n";
@@ -172,7 +208,9 @@ int main(int argc, char** argv) {
     });
     vigiaSenales.detach();
 
-    std::cout << "Escuchando en http://" << opciones.direccion << ":" << puerto << std::endl;
+    if (opciones.tls) std::cout << "Huella SHA-256: " << huella << std::endl;
+    std::cout << "Escuchando en " << (opciones.tls ? "https" : "http") << "://"
+              << opciones.direccion << ":" << puerto << std::endl;
     servidor.atiende();
     // Solo se llega aquí si el servidor dejó de escuchar sin señal: el hilo de señales termina.
     std::raise(SIGTERM);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "server/Arenero.h"
+#include "server/Estaciones.h"
 #include "server/Idempotencia.h"
 #include "server/Procedimientos.h"
 #include "server/SalidaJson.h"
@@ -333,6 +334,49 @@ Respuesta Servicio::revierteTransaccion(const std::string& id) {
     return atiende([&]() -> Respuesta {
         transacciones_.revierte(id);
         return {200, volcado(json{{"transaccion", id}, {"estado", "revertida"}})};
+    });
+}
+
+bool Servicio::autenticaEstacion(const std::string& usuario, const std::string& secreto) {
+    auto c = pool_.toma();
+    return estacionVigente(*c, usuario, secreto);
+}
+
+Respuesta Servicio::emiteEstacion(const std::string& usuario, const std::string& contrasena,
+                                  const std::string& cuerpo) {
+    return atiende([&]() -> Respuesta {
+        {
+            auto c = pool_.toma();
+            if (!esAdministrador(*c, usuario, contrasena))
+                throw ErrorProtocolo(401, "autenticacion",
+                                     "Se requiere un administrador activo del sistema");
+        }
+        const json j = leeJson(cuerpo);
+        const auto dispositivo = j.find("dispositivoID");
+        if (!j.is_object() || dispositivo == j.end() || !dispositivo->is_string() ||
+            dispositivo->get<std::string>().empty())
+            throw protocolo::errorSolicitud("Falta \"dispositivoID\" (texto)");
+        std::optional<std::string> descripcion;
+        if (const auto d = j.find("descripcion"); d != j.end() && !d->is_null()) {
+            if (!d->is_string()) throw protocolo::errorSolicitud("\"descripcion\" debe ser texto");
+            descripcion = d->get<std::string>();
+        }
+        if (!escritor_.toma(tiempos_.esperaEscritor))
+            throw ErrorProtocolo(503, "ocupado",
+                                 "La base de datos está ocupada por otra escritura");
+        EscrituraTomada escritura(escritor_);
+        auto c = pool_.toma();
+        c->comienza();
+        try {
+            const CredencialesEstacion nuevas =
+                emiteCredenciales(*c, dispositivo->get<std::string>(), descripcion);
+            c->confirma();
+            return {200,
+                    volcado(json{{"usuario", nuevas.usuario}, {"contrasena", nuevas.contrasena}})};
+        } catch (...) {
+            c->revierte();
+            throw;
+        }
     });
 }
 

@@ -40,6 +40,13 @@ public:
     Respuesta confirmaTransaccion(const std::string& id, const Solicitud& s);
     Respuesta revierteTransaccion(const std::string& id);
 
+    // Verdadero si son las credenciales vigentes de una estación (su dispositivo sigue en
+    // DispositivosRED). Lanza ErrorProtocolo si no se pudo revisar.
+    bool autenticaEstacion(const std::string& usuario, const std::string& secreto);
+    // POST .../estaciones: usuario y contraseña son los de un administrador del sistema.
+    Respuesta emiteEstacion(const std::string& usuario, const std::string& contrasena,
+                            const std::string& cuerpo);
+
     // Deja de aceptar trabajo nuevo (503), espera lo que está en curso hasta "espera", revierte
     // las transacciones abiertas y cierra las conexiones libres.
     void detiene(std::chrono::milliseconds espera);

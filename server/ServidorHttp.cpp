@@ -7,6 +7,7 @@
 #include <httplib.h>
 
 #include "protocol/Base64.h"
+#include "server/Estaciones.h"
 
 #ifndef CAJAPLEX_VERSION
 #define CAJAPLEX_VERSION "0"
@@ -88,6 +89,28 @@ private:
     bool terminar_ = false;
 };
 
+// Usuario y contraseña de un encabezado "Authorization: Basic ..."; nullopt si no lo es.
+std::optional<std::pair<std::string, std::string>> basica(const httplib::Request& req) {
+    const std::string encabezado = req.get_header_value("Authorization");
+    constexpr std::string_view prefijo = "Basic ";
+    if (!encabezado.starts_with(prefijo)) return std::nullopt;
+    auto texto = protocolo::decodificaBase64(std::string_view(encabezado).substr(prefijo.size()));
+    if (!texto) return std::nullopt;
+    const size_t dos = texto->find(':');
+    if (dos == std::string::npos) return std::nullopt;
+    return std::make_pair(texto->substr(0, dos), texto->substr(dos + 1));
+}
+
+void pideCredenciales(httplib::Response& res, const std::string& mensaje) {
+    res.set_header("WWW-Authenticate", "Basic realm=\"Cajaplex\"");
+    contestaError(res, 401, "autenticacion", mensaje);
+}
+
+std::unique_ptr<httplib::Server> creaServidor(const OpcionesHttp& o) {
+    if (o.certificado.empty()) return std::make_unique<httplib::Server>();
+    return std::make_unique<httplib::SSLServer>(o.certificado.c_str(), o.clave.c_str());
+}
+
 Solicitud solicitudDe(const httplib::Request& req) {
     Solicitud s{req.path, req.body, req.get_header_value("X-Transaccion"),
                 req.get_header_value("Idempotencia"), req.has_header("Idempotencia")};
@@ -98,7 +121,7 @@ Solicitud solicitudDe(const httplib::Request& req) {
 
 ServidorHttp::ServidorHttp(Servicio& servicio, OpcionesHttp opciones, Eventos* eventos)
     : servicio_(servicio), eventos_(eventos), opciones_(std::move(opciones)),
-      http_(std::make_unique<httplib::Server>()) {
+      http_(creaServidor(opciones_)) {
     auto& http = *http_;
     const size_t iniciales = opciones_.hilosIniciales;
     const size_t hilos = opciones_.hilos;
@@ -152,6 +175,9 @@ ServidorHttp::ServidorHttp(Servicio& servicio, OpcionesHttp opciones, Eventos* e
                          [this](bool) { --eventosPendientes_; });
                  }));
     }
+    http.Post(base + "estaciones", [this](const httplib::Request& req, httplib::Response& res) {
+        emiteEstacion(req, res);
+    });
     http.Post(base, protegido([this](const httplib::Request& req, httplib::Response& res) {
                   contesta(res, servicio_.sentencia(solicitudDe(req)));
               }));
@@ -229,9 +255,37 @@ void ServidorHttp::despideEsperas(std::chrono::milliseconds plazo) {
 
 bool ServidorHttp::autenticado(const httplib::Request& req, httplib::Response& res) const {
     if (req.get_header_value("Authorization") == credencial_) return true;
-    res.set_header("WWW-Authenticate", "Basic realm=\"Cajaplex\"");
-    contestaError(res, 401, "autenticacion", "Usuario o contraseña del servicio incorrectos");
+    const auto credencial = basica(req);
+    if (credencial && esUsuarioEstacion(credencial->first)) {
+        try {
+            if (servicio_.autenticaEstacion(credencial->first, credencial->second)) return true;
+        } catch (const protocolo::ErrorProtocolo& e) {
+            res.status = e.estadoHttp();
+            res.set_content(aJson(e).dump(), tipoJson);
+            return false;
+        } catch (const std::exception& e) {
+            contestaError(res, 503, "ocupado", e.what());
+            return false;
+        }
+        pideCredenciales(res, "Estación no autorizada o credenciales revocadas");
+        return false;
+    }
+    pideCredenciales(res, "Usuario o contraseña del servicio incorrectos");
     return false;
+}
+
+void ServidorHttp::emiteEstacion(const httplib::Request& req, httplib::Response& res) {
+    const auto credencial = basica(req);
+    if (!credencial) {
+        pideCredenciales(res, "Se requiere un administrador activo del sistema");
+        return;
+    }
+    contesta(res, servicio_.emiteEstacion(credencial->first, credencial->second, req.body));
+    if (res.status == 401) res.set_header("WWW-Authenticate", "Basic realm=\"Cajaplex\"");
+}
+
+bool ServidorHttp::valido() const {
+    return http_->is_valid();
 }
 
 int ServidorHttp::abre() {

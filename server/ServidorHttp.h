@@ -25,6 +25,9 @@ struct OpcionesHttp {
     // empieza con pocos y se crean más según hagan falta, hasta el máximo.
     size_t hilosIniciales = 16;
     size_t hilos = 1024;
+    // Con ambos archivos (PEM) se atiende HTTPS y solo HTTPS en el puerto.
+    std::string certificado;
+    std::string clave;
 };
 
 // El frente HTTP: autenticación, rutas del protocolo y errores en JSON.
@@ -34,6 +37,8 @@ public:
     ServidorHttp(Servicio& servicio, OpcionesHttp opciones, Eventos* eventos = nullptr);
     ~ServidorHttp();
 
+    // Falso si no pudo cargar el certificado o la clave.
+    bool valido() const;
     // Abre el puerto (0 elige uno libre) y devuelve el puerto abierto, o -1.
     int abre();
     // Atiende hasta que alguien llame detiene().
@@ -44,8 +49,9 @@ public:
     void despideEsperas(std::chrono::milliseconds plazo);
 
 private:
-    // Contesta 401 si la credencial no es la del servicio.
+    // Contesta 401 si la credencial no es la del servicio ni la vigente de una estación.
     bool autenticado(const httplib::Request& req, httplib::Response& res) const;
+    void emiteEstacion(const httplib::Request& req, httplib::Response& res);
 
     void contesta(httplib::Response& res, Respuesta r);
 

@@ -12,6 +12,7 @@
 #include <QUuid>
 
 #include "datos/AjustesEstacion.h"
+#include "datos/ConexionBD.h"
 #include "datos/ModuloDatos.h"
 
 namespace cajaplex {
@@ -86,6 +87,51 @@ void preparaEstacion(AjustesEstacion& ajustes, const QString& direccion, int pue
     // Credenciales y base cifrada: solo las lee el dueño, aunque se hayan creado con otra umask.
     for (const QString& archivo : {ajustes.ruta(), modulo.ArchivoLocalBD})
         QFile::setPermissions(archivo, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+namespace {
+
+bool esDireccionLocal(const QString& direccion) {
+    const QString d = direccion.trimmed().toLower();
+    return d == QStringLiteral("localhost") || d == QStringLiteral("::1") ||
+           d.startsWith(QStringLiteral("127."));
+}
+
+} // namespace
+
+ServicioEncontrado exploraServicio(const QString& direccion, int puerto) {
+    ServicioEncontrado encontrado;
+    encontrado.huella = ConexionBD::huellaServicio(direccion, puerto);
+    encontrado.tls = !encontrado.huella.isEmpty();
+    if (!encontrado.tls && !esDireccionLocal(direccion))
+        throw ErrorServicio(CodigoConexion, 0, MensajeSinCifrado);
+    return encontrado;
+}
+
+void instalaEstacion(AjustesEstacion& ajustes, const DatosInstalacion& datos) {
+    const QString esquema = datos.servicio.tls ? QStringLiteral("https") : QStringLiteral("http");
+    const QString dispositivo = dispositivoDeLaEstacion(ajustes);
+    CredencialesEstacion credenciales;
+    {
+        ConexionBD administrador;
+        administrador.configura(datos.direccion, datos.puerto, datos.administrador,
+                                datos.contrasena, esquema);
+        administrador.fijaHuella(datos.servicio.huella);
+        credenciales = administrador.solicitaCredencialesEstacion(dispositivo, datos.descripcion);
+    }
+    ajustes.ponTls(datos.servicio.tls, datos.servicio.huella);
+    preparaEstacion(ajustes, datos.direccion, datos.puerto, credenciales.usuario,
+                    credenciales.contrasena);
+    ConexionBD estacion;
+    ajustes.configuraConexion(estacion);
+    estacion.conecta();
+}
+
+QString mensajeInstalacion(const ErrorServicio& error) {
+    if (error.codigo() == CodigoCertificado) return QString::fromUtf8(MensajeCertificadoCambio);
+    if (error.estadoHttp() == 401) return QString::fromUtf8(MensajeAdministradorErroneo);
+    if (error.mensaje() == QString::fromUtf8(MensajeSinCifrado)) return error.mensaje();
+    return QString::fromUtf8(MensajeErrorConexionInstalacion);
 }
 
 bool ponEspanol(QCoreApplication& aplicacion) {

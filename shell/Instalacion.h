@@ -8,6 +8,7 @@ class QCoreApplication;
 namespace cajaplex {
 
 class AjustesEstacion;
+class ErrorServicio;
 
 inline constexpr const char* ArchivoBaseLocalNueva = "CajaplexNueva.db";
 inline constexpr const char* ArchivoBaseLocal = "Cajaplex.db";
@@ -41,6 +42,44 @@ QString dispositivoDeLaEstacion(AjustesEstacion& ajustes);
 // Lanza ErrorServicio si no pudo crear la base o escribir los ajustes.
 void preparaEstacion(AjustesEstacion& ajustes, const QString& direccion, int puerto,
                      const QString& usuarioServicio, const QString& contrasenaServicio);
+
+// Lo que la estación sabe del servicio antes de instalarse: si habla HTTPS y la huella SHA-256 de
+// su certificado, que quien instala compara con la que el servicio mostró al arrancar.
+struct ServicioEncontrado {
+    bool tls = false;
+    QString huella;
+};
+
+inline constexpr const char* MensajeSinCifrado =
+    "El servicio no contesta HTTPS; fuera de esta máquina solo se instala con cifrado";
+inline constexpr const char* MensajeAdministradorErroneo =
+    "Usuario y/o Contraseña erróneas, o el usuario no es Administrador";
+inline constexpr const char* MensajeErrorConexionInstalacion =
+    "Error de conexión, verifique los datos introducidos.";
+
+// HTTPS si el servicio lo contesta; sin él, solo se acepta una dirección de esta máquina (el
+// servicio cifra siempre fuera de ella, así que lo contrario sería otro equipo haciéndose pasar
+// por él). Lanza ErrorServicio con MensajeSinCifrado.
+ServicioEncontrado exploraServicio(const QString& direccion, int puerto);
+
+// Lo que la instalación pide a quien instala.
+struct DatosInstalacion {
+    QString direccion;
+    int puerto = 0;
+    ServicioEncontrado servicio; // con la huella ya confirmada
+    QString administrador;
+    QString contrasena;
+    QString descripcion;
+};
+
+// Con el usuario y la contraseña de un administrador pide al servicio las credenciales propias de
+// esta estación (ligadas a su DispositivoID) y deja en Cajaplex.ini solo esas y la huella; prepara
+// la base local y prueba las credenciales nuevas. La contraseña del administrador no se guarda.
+// Lanza ErrorServicio (401: no es administrador; CodigoCertificado: otro certificado).
+void instalaEstacion(AjustesEstacion& ajustes, const DatosInstalacion& datos);
+
+// El mensaje para quien instala de un error de instalaEstacion.
+QString mensajeInstalacion(const ErrorServicio& error);
 
 // Español de México en todo: los textos propios de Qt (menús contextuales, calendarios, botones
 // de diálogos) y el formato de fechas y números. Falso si faltan las traducciones de Qt.

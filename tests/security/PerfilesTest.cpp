@@ -72,7 +72,7 @@ TEST_F(PerfilesTest, LoMarcadoEnUnPerfilNuevoEsLoQueRecibeLaSesionAlEntrar) {
     toca(*f, "BotonNuevo");
     EXPECT_EQ(renglones(*f, "MenusPerfil", Qt::DisplayRole),
               (QStringList{"Usuarios", "Perfiles de Usuario", "Bitácoras del Sistema",
-                           "Inventario Físico"}));
+                           "Dispositivos", "Inventario Físico"}));
     EXPECT_EQ(control<QPushButton>(*f, "PerfilesUsuariosVentas.precio1")->text(), "SÍ");
 
     toca(*f, "BotonAlmacenar");
