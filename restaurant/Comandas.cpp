@@ -25,6 +25,7 @@
 
 #include "datos/ConexionBD.h"
 #include "datos/ControlAcceso.h"
+#include "datos/EscuchaEventos.h"
 #include "datos/MensajesComunes.h"
 #include "datos/ModuloDatos.h"
 #include "pantallas/HojaEstilo.h"
@@ -32,7 +33,9 @@
 #include "pantallas/Sonidos.h"
 #include "printing/ImpresionDocumentos.h"
 #include "printing/PlantillasLocales.h"
+#include "restaurant/CancelacionComanda.h"
 #include "restaurant/CatalogoAreasComida.h"
+#include "restaurant/CuadriculaKiosko.h"
 
 namespace cajaplex {
 namespace {
@@ -64,7 +67,10 @@ QLabel* etiquetaTransparente(const QString& texto, QWidget* padre) {
 QPushButton* creaMosaico(const NodoPlano& n, QWidget* padre) {
     auto* mosaico = new QPushButton(padre);
     mosaico->setObjectName(QStringLiteral("Nodo") + n.clave);
-    mosaico->setMinimumSize(200, 150);
+    ponEstilo(mosaico, "mosaico");
+    // La hoja de estilo fija el alto mínimo de los botones y ganaría a setMinimumSize: el mosaico
+    // pide el suyo ahí mismo para que quepan sus cuatro renglones.
+    mosaico->setStyleSheet(QStringLiteral("QPushButton { min-width: 200px; min-height: 150px; }"));
     auto* nombre = etiquetaTransparente(QStringLiteral("Nodo: ") + n.clave, mosaico);
     QFont negritas = nombre->font();
     negritas.setBold(true);
@@ -171,6 +177,10 @@ TComandasF::TComandasF(const Sesion& sesion, QWidget* padre)
     auto* barra = new QHBoxLayout;
     barra->addWidget(anterior_);
     barra->addWidget(titulo_, 1);
+    cancelarComanda_ = creaBoton(QStringLiteral("Cancelacion"), QStringLiteral("Cancelar Comanda"),
+                                 QStringLiteral("BotonCancelarComanda"), "peligro", this);
+    connect(cancelarComanda_, &QPushButton::clicked, this, &TComandasF::BotonCancelarComandaClick);
+    barra->addWidget(cancelarComanda_);
     barra->addWidget(recargar_);
 
     // Plano de nodos.
@@ -235,26 +245,8 @@ TComandasF::TComandasF(const Sesion& sesion, QWidget* padre)
     menu_->viewport()->installEventFilter(this);
     QScroller::grabGesture(menu_->viewport(), QScroller::LeftMouseButtonGesture);
     connect(menu_, &QListWidget::itemClicked, this, &TComandasF::MenuProductosItemClick);
-    auto* botonesCuadricula = new QHBoxLayout;
-    const struct {
-        const char* nombre;
-        const char* texto;
-        int renglones;
-        int columnas;
-    } cambios[] = {{"MenosRenglones", "- Renglones", -1, 0},
-                   {"MasRenglones", "+ Renglones", 1, 0},
-                   {"MenosColumnas", "- Columnas", 0, -1},
-                   {"MasColumnas", "+ Columnas", 0, 1}};
-    for (const auto& c : cambios) {
-        auto* boton = new QPushButton(QString::fromUtf8(c.texto), paginaMenu);
-        boton->setObjectName(QString::fromLatin1(c.nombre));
-        boton->setMinimumHeight(AltoControl);
-        const int dr = c.renglones;
-        const int dc = c.columnas;
-        connect(boton, &QPushButton::clicked, this,
-                [this, dr, dc] { cambiaCuadricula(renglones_ + dr, columnas_ + dc); });
-        botonesCuadricula->addWidget(boton);
-    }
+    auto* botonesCuadricula = creaBotonesCuadricula(
+        paginaMenu, [this](int dr, int dc) { cambiaCuadricula(renglones_ + dr, columnas_ + dc); });
     auto* izquierda = new QVBoxLayout;
     izquierda->addWidget(menu_, 1);
     izquierda->addLayout(botonesCuadricula);
@@ -329,6 +321,15 @@ TComandasF::TComandasF(const Sesion& sesion, QWidget* padre)
     recarga_->setInterval(IntervaloRecarga);
     connect(recarga_, &QTimer::timeout, this, &TComandasF::TemporizadorRecargaTimer);
     recarga_->start();
+    // El plano se vuelve a leer cuando otra estación ocupa, cierra o libera un nodo; la recarga
+    // periódica solo corre mientras el servicio no avisa.
+    escucha_ = new EscuchaEventos(ModuloDeDatos.ConexionBD,
+                                  {QStringLiteral("NodosComida"), QStringLiteral("Comanda")}, this);
+    connect(escucha_, &EscuchaEventos::cambiaron, this, &TComandasF::TemporizadorRecargaTimer);
+    connect(escucha_, &EscuchaEventos::reiniciado, this, &TComandasF::TemporizadorRecargaTimer);
+    connect(escucha_, &EscuchaEventos::enVivo, recarga_, &QTimer::stop);
+    connect(escucha_, &EscuchaEventos::sinEventos, recarga_, qOverload<>(&QTimer::start));
+    escucha_->inicia();
 
     muestraPagina(PaginaPlano);
     ejecutaConLeyenda(this, QStringLiteral("Cargando Nodos de Comida."),
@@ -343,6 +344,7 @@ void TComandasF::error(const QString& mensaje) {
 void TComandasF::muestraPagina(int pagina) {
     paginas_->setCurrentIndex(pagina);
     recargar_->setVisible(pagina == PaginaPlano);
+    cancelarComanda_->setVisible(pagina == PaginaPlano);
     if (pagina == PaginaPlano)
         titulo_->setText(QStringLiteral("Comandas"));
     else
@@ -821,6 +823,66 @@ void TComandasF::CierraCuentaTimer() {
     abierta_.reset();
     guardados_.clear();
     muestraPagina(PaginaPlano);
+    CargaAreasComidaTimer(false);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Cancelación
+// ---------------------------------------------------------------------------------------------
+
+// Cualquier comanda activa del plano, de cualquier mesero, con el derecho cancelarComanda.
+void TComandasF::BotonCancelarComandaClick() {
+    Sonidos::reproduce(Sonido::Click);
+    if (!CancelacionComanda(ModuloDeDatos.ConexionBD, sesion_).permitida()) {
+        error(QString::fromUtf8(MensajeSinPermisoCancelarComanda));
+        return;
+    }
+    std::vector<NodoPlano> ocupados;
+    QStringList opciones;
+    for (const NodoPlano& n : plano_.nodos) {
+        if (n.status == 0) continue;
+        ocupados.push_back(n);
+        opciones << QStringLiteral("Nodo: %1  %2 - %3").arg(n.clave, n.descripcion, n.mesero);
+    }
+    if (ocupados.empty()) {
+        error(QStringLiteral("No hay Comandas por Cancelar"));
+        return;
+    }
+    const int elegido =
+        mensajes_.eligeOpcion(QStringLiteral("Seleccione la Comanda a Cancelar"), opciones);
+    if (elegido < 0) return;
+    const NodoPlano nodo = ocupados[static_cast<size_t>(elegido)];
+    const std::optional<QString> motivo =
+        mensajes_.pideTexto(QStringLiteral("Motivo de la Cancelación"), {}, 255);
+    if (!motivo) return;
+    if (motivo->trimmed().isEmpty()) {
+        error(QStringLiteral("Debe Indicar el Motivo de la Cancelación"));
+        return;
+    }
+    if (!mensajes_.preguntaSiNo(QStringLiteral("¿Desea Cancelar la Comanda del Nodo: %1 %2?")
+                                    .arg(nodo.clave, nodo.descripcion)))
+        return;
+    ejecutaConLeyenda(this, QStringLiteral("Registrando Transacción."),
+                      [this, nodo, m = motivo->trimmed()] { CancelaComandaTimer(nodo, m); });
+}
+
+void TComandasF::CancelaComandaTimer(const NodoPlano& nodo, const QString& motivo) {
+    try {
+        CancelacionComanda cancelacion(ModuloDeDatos.ConexionBD, sesion_);
+        // El plano pudo quedar viejo: la comanda se busca de nuevo por su nodo.
+        const int64_t comanda = cancelacion.comandaDelNodo(nodo.id);
+        if (comanda == 0) {
+            error(QStringLiteral("El Nodo ya no tiene Comanda por cancelar: ") + nodo.clave);
+        } else if (const ResultadoCancelacion r = cancelacion.cancela(comanda, motivo);
+                   !r.cancelada) {
+            error(r.mensaje);
+        } else {
+            mensajes_.muestra(QStringLiteral("Comanda Cancelada: %1").arg(comanda));
+        }
+    } catch (const std::exception& e) {
+        error(QString::fromUtf8(MensajeErrorRegistro));
+        qWarning() << "Comandas, cancelación:" << e.what();
+    }
     CargaAreasComidaTimer(false);
 }
 

@@ -26,6 +26,8 @@ class QVBoxLayout;
 
 namespace cajaplex {
 
+class EscuchaEventos;
+
 // Lo que llevan impreso la sección enviada a cocina ("Comanda") y la cuenta ("Cuenta").
 DocumentoImpresion documentoComanda(const NodoPlano& nodo, int64_t folio, int seccion,
                                     const QString& mesero, const QString& observaciones,
@@ -41,8 +43,8 @@ public:
     explicit TComandasF(const Sesion& sesion, QWidget* padre = nullptr);
 
     enum Rol { RolLinea = Qt::UserRole + 1, RolProducto, RolIndice };
-    // Cada cuánto se vuelve a leer el plano por su cuenta.
-    static constexpr int IntervaloRecarga = 10000;
+    // Cada cuánto se vuelve a leer el plano por su cuenta cuando el servicio no avisa de cambios.
+    static constexpr int IntervaloRecarga = 30000;
 
 protected:
     void closeEvent(QCloseEvent* evento) override;
@@ -60,6 +62,7 @@ private slots:
     void BotonNotaClick();
     void BotonDescuentoClick();
     void GrupoCambiarMeseroClick();
+    void BotonCancelarComandaClick();
 
 private:
     void CargaAreasComidaTimer(bool silencioso);
@@ -71,6 +74,7 @@ private:
     void ajustaCuadricula();
     void RegistraComandaTimer();
     void CierraCuentaTimer();
+    void CancelaComandaTimer(const NodoPlano& nodo, const QString& motivo);
     void pintaCarrito();
     // Manda el documento a la impresora de la estación con la plantilla de la carpeta.
     void imprime(const QString& carpeta, const DocumentoImpresion& documento);
@@ -94,12 +98,13 @@ private:
     int renglones_ = 4;
     int columnas_ = 3;
 
-    QLabel* titulo_;          // "Titulo"
-    QPushButton* anterior_;   // "BotonAnterior"
-    QPushButton* recargar_;   // "GrupoRecargarAreasComida"
-    QStackedWidget* paginas_; // "PaginadorDatos"
-    QLabel* encabezado_;      // "EncabezadoAreasComida"
-    QWidget* contenidoPlano_; // lo que desliza "AreasComida"
+    QLabel* titulo_;               // "Titulo"
+    QPushButton* anterior_;        // "BotonAnterior"
+    QPushButton* recargar_;        // "GrupoRecargarAreasComida"
+    QPushButton* cancelarComanda_; // "BotonCancelarComanda"
+    QStackedWidget* paginas_;      // "PaginadorDatos"
+    QLabel* encabezado_;           // "EncabezadoAreasComida"
+    QWidget* contenidoPlano_;      // lo que desliza "AreasComida"
     QVBoxLayout* capaPlano_;
     QLineEdit* personas_;        // "NumeroPersonas"
     QLineEdit* observaciones_;   // "ObservacionesComanda"
@@ -111,6 +116,7 @@ private:
     QPushButton* pagar_;         // "BotonPagar"
     QPushButton* cambiarMesero_; // "GrupoCambiarMesero"
     QTimer* recarga_;            // "TemporizadorRecarga"
+    EscuchaEventos* escucha_;    // cambios de NodosComida y Comanda
 };
 
 } // namespace cajaplex

@@ -1,6 +1,9 @@
 #include "sales/DocumentoClonado.h"
 
+#include <algorithm>
+
 #include "datos/Consulta.h"
+#include "datos/Utilerias.h"
 
 namespace cajaplex {
 
@@ -21,7 +24,7 @@ namespace {
     "manejaSeries, ifnull(P.caduca, 0) as caduca, ifnull(P.esPaquete, 0) as esPaquete, "           \
     "ifnull(P.requiereAutorizacionVenta, 0) as requiereAutorizacionVenta, "                        \
     "ifnull(P.bonificaPuntos, 0) as bonificaPuntos, ifnull(P.porcentajeBonificacion, 0) as "       \
-    "porcentajeBonificacion, 0 as Recurrente "
+    "porcentajeBonificacion, ifnull(P.Recurrente, 0) as Recurrente "
 
 #define UNIONES_PRODUCTO                                                                           \
     "Join Productos P On P.empresaID = B.empresaID And P.id = B.producto "                         \
@@ -31,7 +34,9 @@ namespace {
 const char* const SqlComanda =
     "Select " CAMPOS_PRODUCTO ", B.cantidad, ifnull(B.descuento, 0) as descuento, "
     "cast(ifnull(B.nota, '') as text) as nota, 0 as pLista, 0 as precioDocumento, A.id as origen, "
-    "0 as cliente, ifnull(A.observaciones, '') as ObservacionesDocumentoClonado "
+    "0 as cliente, ifnull(A.observaciones, '') as ObservacionesDocumentoClonado, "
+    "Cast ((JulianDay(Ifnull(A.fechaCierre, datetime('now','localtime'))) - "
+    "JulianDay(A.fechaApertura)) * 24 * 60 As Integer) as MinutosTranscurridos "
     "From Comanda A Join ComandaDetalle B On B.empresaID = A.empresaID And B.id = A.id "
     "And B.comanda = A.folio " UNIONES_PRODUCTO
     "Where A.empresaID = :EmpresaID And A.id = :Documento And A.fechaApertura is not null "
@@ -69,6 +74,13 @@ DocumentoClonado cargaDocumentoClonar(ConexionDatos& conexion, const Sesion& ses
         r.Cantidad = c("cantidad").comoReal();
         r.Descuento = c("descuento").comoReal();
         r.Nota = c("nota").comoTexto();
+        if (esComanda) {
+            d.minutosTranscurridos = static_cast<int>(c("MinutosTranscurridos").comoEntero());
+            // Lo que se cobra por tiempo lleva las horas que estuvo ocupado el nodo (al menos
+            // un minuto) por cada unidad pedida.
+            if (c("Recurrente").comoBooleano())
+                r.Cantidad = Redondea(r.Cantidad * std::max(d.minutosTranscurridos, 1) / 60.0, 2);
+        }
         const int nivel = static_cast<int>(c("pLista").comoEntero());
         r.PLista = nivel >= 1 && nivel <= 5 ? nivel : 1;
         // El precio cotizado se respeta como elegido: un rango no lo sustituye.

@@ -31,6 +31,8 @@ struct DocumentoClonado {
     QString observaciones;
     OrigenVenta origen;
     int64_t cliente = 0; // 0: el documento no lo dice
+    // De una comanda: lo que estuvo ocupado el nodo, de la apertura al cierre de la cuenta.
+    int minutosTranscurridos = 0;
 };
 
 // CargaDocumentoClonar: una comanda cerrada sin pagar (tipo "0", por su id) o una cotización sin
