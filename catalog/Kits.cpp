@@ -15,7 +15,6 @@
 #include <QListWidget>
 #include <QPageSize>
 #include <QPdfWriter>
-#include <QPixmap>
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QPushButton>
@@ -23,12 +22,11 @@
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTextDocument>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QtDebug>
 
-#include "catalog/ArbolLineas.h"
 #include "catalog/CatalogoProductos.h"
+#include "catalog/SelectorProductos.h"
 #include "datos/ControlAcceso.h"
 #include "datos/ModuloDatos.h"
 #include "pantallas/DelegadoRenglon.h"
@@ -45,7 +43,6 @@ enum Pagina { PaginaKits, PaginaComposicion };
 enum TipoOperacion { EnviarImpresion, VisualizarPdf, AlmacenarUnicamente };
 
 constexpr int kIconoKit = 32;
-constexpr int kIconoLinea = 28;
 const QString kSinRegistros = QStringLiteral("No se localizaron registros con esa Información");
 
 QLineEdit* campoBusqueda(const QString& nombre, const QString& ayuda, QWidget* padre) {
@@ -109,13 +106,11 @@ QString TKitsF::preguntaSalir() {
 
 TKitsF::TKitsF(const Sesion& sesion, QWidget* padre)
     : QWidget(padre), sesion_(sesion), catalogo_(ModuloDeDatos.ConexionBD, sesion),
-      lineas_(ModuloDeDatos.ConexionBD, sesion),
-      ListadoProductos(ModuloDeDatos.ConexionBD, QString()) {
+      lineas_(ModuloDeDatos.ConexionBD, sesion) {
     setObjectName(QStringLiteral("Kits"));
     setWindowTitle(QStringLiteral("Artículos Compuestos (Kits)"));
 
     detalles_ = new KitDetalles(this);
-    disponibles_ = new ModeloProductos(this);
     connect(detalles_, &KitDetalles::cambio, this, &TKitsF::actualizaPies);
 
     paginas_ = new QTabWidget(this);
@@ -177,58 +172,17 @@ QWidget* TKitsF::creaPaginaComposicion() {
     pagina->setObjectName(QStringLiteral("Composicion"));
     kitSeleccionado_ = creaEtiqueta({}, QStringLiteral("KitSeleccionado"), "titulo", pagina);
 
-    // Disponibles: el árbol de líneas y los productos de la línea o de la búsqueda.
-    auto* disponibles = new QWidget(pagina);
+    // Disponibles: el árbol de líneas y los productos de la línea o de la búsqueda, sin kits; al
+    // frente de la búsqueda, la captura por clave.
+    disponibles_ = new TSelectorProductosF(sesion_, QStringLiteral("Disponibles"), pagina,
+                                           &CatalogoKits::sinKits);
     claveProducto_ = campoBusqueda(QStringLiteral("ClaveProducto"),
-                                   QStringLiteral("Clave ó Código de Barra"), disponibles);
+                                   QStringLiteral("Clave ó Código de Barra"), disponibles_);
     claveProducto_->addAction(icono(QStringLiteral("Etiquetas")), QLineEdit::LeadingPosition);
     connect(claveProducto_, &QLineEdit::returnPressed, this, &TKitsF::ClaveProductoReturnPressed);
-    buscarProducto_ =
-        campoBusqueda(QStringLiteral("BuscarProducto"),
-                      QStringLiteral("Clave, Descripción ó Código de Barra"), disponibles);
-    buscarProducto_->addAction(icono(QStringLiteral("Buscar")), QLineEdit::LeadingPosition);
-    connect(buscarProducto_, &QLineEdit::returnPressed, this, &TKitsF::BuscarProductoReturnPressed);
-
-    arbolLineas_ = new QTreeWidget(disponibles);
-    arbolLineas_->setObjectName(QStringLiteral("Lineas"));
-    arbolLineas_->setColumnCount(1);
-    arbolLineas_->setHeaderLabels({QStringLiteral("Líneas")});
-    arbolLineas_->setIconSize(QSize(kIconoLinea, kIconoLinea));
-    arbolLineas_->setUniformRowHeights(true);
-    arbolLineas_->setIndentation(20);
-    arbolLineas_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    QScroller::grabGesture(arbolLineas_->viewport(), QScroller::LeftMouseButtonGesture);
-    connect(arbolLineas_, &QTreeWidget::itemClicked, this, &TKitsF::LineasItemClick);
-
-    tituloDisponibles_ = creaEtiqueta(QStringLiteral("Toque una Línea o busque un Producto"),
-                                      QStringLiteral("TituloDisponibles"), nullptr, disponibles);
-    tituloDisponibles_->setWordWrap(true);
-    listaDisponibles_ = new QListView(disponibles);
-    listaDisponibles_->setObjectName(QStringLiteral("ProductosDisponibles"));
-    listaDisponibles_->setModel(disponibles_);
-    preparaLista(listaDisponibles_, 0);
-    connect(listaDisponibles_, &QListView::clicked, this, &TKitsF::ProductosDisponiblesClick);
-
-    auto* productos = new QWidget(disponibles);
-    auto* capaProductos = new QVBoxLayout(productos);
-    capaProductos->setContentsMargins(0, 0, 0, 0);
-    capaProductos->addWidget(tituloDisponibles_);
-    capaProductos->addWidget(listaDisponibles_, 1);
-    auto* divisionDisponibles = new QSplitter(Qt::Horizontal, disponibles);
-    divisionDisponibles->addWidget(arbolLineas_);
-    divisionDisponibles->addWidget(productos);
-    divisionDisponibles->setStretchFactor(0, 2);
-    divisionDisponibles->setStretchFactor(1, 3);
-
-    auto* busquedas = new QHBoxLayout;
-    busquedas->addWidget(claveProducto_, 2);
-    busquedas->addWidget(buscarProducto_, 3);
-    auto* capaDisponibles = new QVBoxLayout(disponibles);
-    capaDisponibles->setContentsMargins(0, 0, 0, 0);
-    capaDisponibles->addWidget(creaEtiqueta(
-        QStringLiteral("Disponibles"), QStringLiteral("Disponibles"), "subtitulo", disponibles));
-    capaDisponibles->addLayout(busquedas);
-    capaDisponibles->addWidget(divisionDisponibles, 1);
+    disponibles_->agregaABusqueda(claveProducto_, 2);
+    connect(disponibles_, &TSelectorProductosF::elegido, this,
+            [this](int64_t id) { ProductoDisponibleElegido(id); });
 
     // Seleccionados: la lista de trabajo con sus acciones y el costo del kit.
     auto* seleccionados = new QWidget(pagina);
@@ -273,7 +227,7 @@ QWidget* TKitsF::creaPaginaComposicion() {
     capaSeleccionados->addWidget(total_, 0, Qt::AlignRight);
 
     auto* division = new QSplitter(Qt::Horizontal, pagina);
-    division->addWidget(disponibles);
+    division->addWidget(disponibles_);
     division->addWidget(seleccionados);
     division->setStretchFactor(0, 5);
     division->setStretchFactor(1, 4);
@@ -312,17 +266,7 @@ void TKitsF::CargaInformacionTimer() {
         item->setData(RolKitID, QVariant::fromValue<qlonglong>(k.id));
     }
 
-    arbolLineas_->clear();
-    agregaLineas(*arbolLineas_, lineas, [](const LineaProducto& l) {
-        auto* item = new QTreeWidgetItem(QStringList{l.linea});
-        item->setData(0, RolLineaID, QVariant::fromValue<qlonglong>(l.id));
-        QPixmap miniatura;
-        if (!l.miniatura.isEmpty() && miniatura.loadFromData(l.miniatura))
-            item->setIcon(0, QIcon(miniatura));
-        else
-            item->setIcon(0, icono(QStringLiteral("Lineas")));
-        return item;
-    });
+    disponibles_->ponLineas(lineas);
     FiltroKitsChange(filtroKits_->text());
 }
 
@@ -371,49 +315,10 @@ void TKitsF::CargaComponentesTimer(const KitListado& kit) {
 // Disponibles
 // ---------------------------------------------------------------------------------------------
 
-void TKitsF::LineasItemClick(QTreeWidgetItem* item) {
-    if (!item) return;
-    Sonidos::reproduce(Sonido::Click);
-    tituloDisponibles_->setText(item->text(0));
-    const QString sql =
-        sqlProductosXLinea(sesion_.EmpresaID, item->data(0, RolLineaID).toLongLong());
-    ejecutaConLeyenda(this, QStringLiteral("Cargando Productos"),
-                      [this, sql] { CargaDisponiblesTimer(sql); });
-}
-
-void TKitsF::BuscarProductoReturnPressed() {
-    Sonidos::reproduce(Sonido::Click);
-    const QString texto = buscarProducto_->text().trimmed();
-    tituloDisponibles_->setText(QStringLiteral("Búsqueda: ") + texto);
-    const QString sql = sqlBusquedaProductos(sesion_.EmpresaID, texto);
-    ejecutaConLeyenda(this, QStringLiteral("Cargando Productos"),
-                      [this, sql] { CargaDisponiblesTimer(sql); });
-}
-
-void TKitsF::CargaDisponiblesTimer(const QString& sql) {
-    try {
-        // Sin los kits (un kit no se compone de kits); dentro del try: un listado que no termina
-        // en su orden es un error de programación, que se muestra como falla de lectura.
-        ListadoProductos.asignaSql(CatalogoKits::sinKits(sql));
-        ListadoProductos.abre();
-        // También lanza (ErrorProgramacion) si al listado le falta una columna.
-        disponibles_->asigna(ListadoProductos.registros());
-    } catch (const ErrorServicio& e) {
-        ListadoProductos.cierra();
-        error(QString::fromUtf8(MensajeErrorLectura));
-        qWarning() << "Kits, disponibles:" << e.mensaje();
-        return;
-    }
-    ListadoProductos.cierra();
-    if (disponibles_->rowCount() == 0) error(kSinRegistros);
-}
-
-void TKitsF::ProductosDisponiblesClick(const QModelIndex& indice) {
-    if (!indice.isValid() || !kit_) return;
-    Sonidos::reproduce(Sonido::Click);
-    const int64_t id = disponibles_->producto(indice.row()).id;
+void TKitsF::ProductoDisponibleElegido(int64_t productoID) {
+    if (!kit_) return;
     ejecutaConLeyenda(this, QStringLiteral("Agregando Producto"),
-                      [this, id] { AgregaProductoTimer(id); });
+                      [this, productoID] { AgregaProductoTimer(productoID); });
 }
 
 void TKitsF::ClaveProductoReturnPressed() {

@@ -18,15 +18,12 @@ class QLineEdit;
 class QListView;
 class QListWidget;
 class QListWidgetItem;
-class QModelIndex;
 class QPushButton;
 class QTabWidget;
-class QTreeWidget;
-class QTreeWidgetItem;
 
 namespace cajaplex {
 
-class ModeloProductos;
+class TSelectorProductosF;
 
 // "Artículos Compuestos (Kits)": la lista de kits con su filtro local y la composición del kit
 // elegido, con los productos "Disponibles" (por línea o por búsqueda, nunca otro kit) y los
@@ -37,8 +34,8 @@ class TKitsF : public QWidget {
 public:
     explicit TKitsF(const Sesion& sesion, QWidget* padre = nullptr);
 
-    // Lo que guarda cada renglón de "ListaKits" y cada nodo de "Lineas".
-    enum Rol { RolKitID = Qt::UserRole + 1, RolLineaID };
+    // Lo que guarda cada renglón de "ListaKits".
+    enum Rol { RolKitID = Qt::UserRole + 1 };
 
     // Las opciones de "Seleccione el Tipo de Operación", en su orden.
     static const QStringList& tiposOperacion();
@@ -51,10 +48,8 @@ protected:
 private slots:
     void FiltroKitsChange(const QString& texto);
     void ListaKitsItemClick(QListWidgetItem* item);
-    void LineasItemClick(QTreeWidgetItem* item);
-    void BuscarProductoReturnPressed();
     void ClaveProductoReturnPressed();
-    void ProductosDisponiblesClick(const QModelIndex& indice);
+    void ProductoDisponibleElegido(int64_t productoID);
     void BotonCantidadClick();
     void BotonSubirClick();
     void BotonBajarClick();
@@ -68,8 +63,6 @@ private:
 
     void CargaInformacionTimer();
     void CargaComponentesTimer(const KitListado& kit);
-    // `sql`: un listado de CatalogoProductos.h; aquí se le quitan los kits.
-    void CargaDisponiblesTimer(const QString& sql);
     void AgregaProductoTimer(int64_t productoID);
     void AgregaClaveTimer(const QString& clave);
     void AlmacenaKitTimer(int tipoOperacion);
@@ -84,30 +77,26 @@ private:
     Mensajes mensajes_{this};
     CatalogoKits catalogo_;
     CatalogoLineas lineas_;
-    Consulta ListadoProductos;
     std::vector<KitListado> kits_;
     std::optional<KitListado> kit_;
     std::vector<ComponenteKit> anteriores_; // la composición como está almacenada
     KitDetalles* detalles_;
-    ModeloProductos* disponibles_;
     bool saliendo_ = false; // ya se preguntó
 
-    QTabWidget* paginas_;         // "Paginas"
-    QLineEdit* filtroKits_;       // "FiltroKits"
-    QListWidget* listaKits_;      // "ListaKits"
-    QLabel* pieKits_;             // "PieKits"
-    QLabel* kitSeleccionado_;     // "KitSeleccionado"
-    QLineEdit* claveProducto_;    // "ClaveProducto"
-    QLineEdit* buscarProducto_;   // "BuscarProducto"
-    QTreeWidget* arbolLineas_;    // "Lineas"
-    QLabel* tituloDisponibles_;   // "TituloDisponibles"
-    QListView* listaDisponibles_; // "ProductosDisponibles"
-    QListView* listaDetalles_;    // "KitDetalles"
-    QLabel* total_;               // "TotalKit"
-    QPushButton* cantidad_;       // "BotonCantidad"
-    QPushButton* subir_;          // "BotonSubir"
-    QPushButton* bajar_;          // "BotonBajar"
-    QPushButton* borrar_;         // "BotonBorrar"
+    QTabWidget* paginas_;      // "Paginas"
+    QLineEdit* filtroKits_;    // "FiltroKits"
+    QListWidget* listaKits_;   // "ListaKits"
+    QLabel* pieKits_;          // "PieKits"
+    QLabel* kitSeleccionado_;  // "KitSeleccionado"
+    QLineEdit* claveProducto_; // "ClaveProducto"
+    // Sin los kits: un kit no se compone de kits.
+    TSelectorProductosF* disponibles_; // "SelectorProductos"
+    QListView* listaDetalles_;         // "KitDetalles"
+    QLabel* total_;                    // "TotalKit"
+    QPushButton* cantidad_;            // "BotonCantidad"
+    QPushButton* subir_;               // "BotonSubir"
+    QPushButton* bajar_;               // "BotonBajar"
+    QPushButton* borrar_;              // "BotonBorrar"
 };
 
 } // namespace cajaplex

@@ -12,7 +12,8 @@ namespace {
 
 const char* const SqlConsultaProveedores =
     "Select id, nombre, razonSocial, rfc, calle, numeroExterior, numeroInterior, colonia, cp, "
-    "localidad, contacto, telefono, email, ifnull(limiteCredito, 0) as limiteCredito "
+    "localidad, contacto, telefono, email, ifnull(limiteCredito, 0) as limiteCredito, "
+    "ifnull(diasCredito, 0) as diasCredito, ifnull(desglosaRM, 0) as desglosaRM "
     "From Proveedores Where empresaID = :EmpresaID and (:Buscar = '' "
     "or instr(lower(nombre), lower(:Buscar)) > 0 or instr(lower(ifnull(razonSocial, '')), "
     "lower(:Buscar)) > 0 or instr(upper(ifnull(rfc, '')), upper(:Buscar)) > 0 "
@@ -36,24 +37,27 @@ const char* const SqlReferenciasProveedor =
 // Los nuevos llevan el país como los importados.
 const char* const SqlInsertaProveedor =
     "Insert Into Proveedores (empresaID, nombre, razonSocial, rfc, calle, numeroExterior, "
-    "numeroInterior, colonia, cp, localidad, contacto, telefono, email, limiteCredito, pais, "
-    "usuarioID) Values (:EmpresaID, :nombre, :razonSocial, :rfc, :calle, :numeroExterior, "
-    ":numeroInterior, :colonia, :cp, :localidad, :contacto, :telefono, :email, :limiteCredito, "
-    "'MÉXICO', :UsuarioID)";
+    "numeroInterior, colonia, cp, localidad, contacto, telefono, email, limiteCredito, "
+    "diasCredito, desglosaRM, pais, usuarioID) Values (:EmpresaID, :nombre, :razonSocial, :rfc, "
+    ":calle, :numeroExterior, :numeroInterior, :colonia, :cp, :localidad, :contacto, :telefono, "
+    ":email, :limiteCredito, :diasCredito, :desglosaRM, 'MÉXICO', :UsuarioID)";
 
 const char* const SqlActualizaProveedor =
     "Update Proveedores Set nombre = :nombre, razonSocial = :razonSocial, rfc = :rfc, "
     "calle = :calle, numeroExterior = :numeroExterior, numeroInterior = :numeroInterior, "
     "colonia = :colonia, cp = :cp, localidad = :localidad, contacto = :contacto, "
-    "telefono = :telefono, email = :email, limiteCredito = :limiteCredito "
-    "Where empresaID = :EmpresaID and id = :ID";
+    "telefono = :telefono, email = :email, limiteCredito = :limiteCredito, "
+    "diasCredito = :diasCredito, desglosaRM = :desglosaRM Where empresaID = :EmpresaID and id = "
+    ":ID";
 
 const char* const SqlBorraProveedor =
     "Delete From Proveedores Where empresaID = :EmpresaID and id = :ID";
 
 QString textoProveedor(const DatosProveedor& p) {
-    return QStringLiteral("%1 | RFC: %2 | Contacto: %3 | Crédito: %4")
-        .arg(p.nombre, p.rfc, p.contacto, QString::number(p.limiteCredito, 'f', 2));
+    return QStringLiteral("%1 | RFC: %2 | Contacto: %3 | Crédito: %4 a %5 días | IVA: %6")
+        .arg(p.nombre, p.rfc, p.contacto, QString::number(p.limiteCredito, 'f', 2))
+        .arg(p.diasCredito)
+        .arg(p.desglosaRM);
 }
 
 } // namespace
@@ -90,6 +94,8 @@ std::vector<DatosProveedor> CatalogoProveedores::consulta(const QString& busqued
         p.telefono = t("telefono");
         p.email = t("email");
         p.limiteCredito = r.campo(QStringLiteral("limiteCredito")).comoReal();
+        p.diasCredito = static_cast<int>(r.campo(QStringLiteral("diasCredito")).comoEntero());
+        p.desglosaRM = static_cast<int>(r.campo(QStringLiteral("desglosaRM")).comoEntero());
         proveedores.push_back(std::move(p));
     }
     ConsultaProveedores.cierra();
@@ -114,6 +120,7 @@ QString CatalogoProveedores::almacena(DatosProveedor& proveedor, const DatosProv
     if (!proveedor.email.isEmpty() && !correo.match(proveedor.email).hasMatch())
         return QString::fromUtf8(MensajeCorreoInvalido);
     if (proveedor.limiteCredito < 0) return QString::fromUtf8(MensajeLimiteNegativo);
+    if (proveedor.diasCredito < 0) return QString::fromUtf8(MensajeDiasCreditoNegativos);
 
     const bool alta = proveedor.id == 0;
     Consulta& escritura = alta ? InsertaProveedor : ActualizaProveedor;
@@ -134,6 +141,9 @@ QString CatalogoProveedores::almacena(DatosProveedor& proveedor, const DatosProv
         escritura.parametro(QString::fromLatin1(marca)).texto(valor->trimmed());
     escritura.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
     escritura.parametro(QStringLiteral("limiteCredito")).real(proveedor.limiteCredito);
+    escritura.parametro(QStringLiteral("diasCredito")).entero(proveedor.diasCredito);
+    escritura.parametro(QStringLiteral("desglosaRM"))
+        .entero(proveedor.desglosaRM >= 0 && proveedor.desglosaRM <= 4 ? proveedor.desglosaRM : 0);
     if (alta)
         escritura.parametro(QStringLiteral("UsuarioID")).entero(sesion_.UsuarioID);
     else

@@ -20,6 +20,8 @@ inline constexpr const char* ModuloProveedores = "Catálogos -> Proveedores";
 // del catálogo de clientes), y los del borrado.
 inline constexpr const char* MensajeProveedorSinNombre = "Ingrese el Nombre del Proveedor";
 inline constexpr const char* MensajeLimiteNegativo = "El Límite de Crédito no puede ser negativo";
+inline constexpr const char* MensajeDiasCreditoNegativos =
+    "Los Días de Crédito no pueden ser negativos";
 inline constexpr const char* MensajeProveedorNoExiste =
     "El Proveedor ya no existe: otra estación lo eliminó";
 inline constexpr const char* MensajeProveedorConTransacciones =
@@ -40,6 +42,10 @@ struct DatosProveedor {
     QString telefono;
     QString email;
     double limiteCredito = 0;
+    int diasCredito = 0; // los días de pago que propone la compra
+    // Cómo cotiza sus costos: 0 como la empresa (Configura.desglosaRM); 1 con IVA incluido;
+    // 2, 3 y 4 sin IVA.
+    int desglosaRM = 0;
 };
 
 // Los proveedores de la empresa de la sesión. Cada cambio va en una transacción del servicio con

@@ -5,7 +5,6 @@
 
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QDir>
 #include <QDoubleValidator>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -15,21 +14,24 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
+#include <QSplitter>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <QtDebug>
 
 #include "catalog/CatalogoProductos.h"
-#include "datos/AjustesEstacion.h"
+#include "catalog/SelectorProductos.h"
+#include "datos/ConexionBD.h"
 #include "datos/Consulta.h"
 #include "datos/MensajesComunes.h"
 #include "datos/ModuloDatos.h"
+#include "datos/Utilerias.h"
 #include "pantallas/HojaEstilo.h"
 #include "pantallas/Leyenda.h"
 #include "pantallas/ListaEdicion.h"
 #include "pantallas/ModeloTabla.h"
 #include "pantallas/Sonidos.h"
-#include "printing/ImpresionDocumentos.h"
+#include "purchasing/ImpresionCompra.h"
 
 namespace cajaplex {
 namespace {
@@ -45,12 +47,20 @@ const char* const SqlFormasPago =
 const char* const kOperaciones[] = {"Almacenar y Enviar Impresión", "Almacenar y Visualizar PDF",
                                     "Almacenar Únicamente"};
 
-inline constexpr const char* PreguntaSalir = "Transacción Incompleta\n¿Aún así desea salir?";
+// El árbol de líneas de la compra: solo productos activos (los únicos que se pueden comprar) y
+// con su costo, no su precio de venta.
+QString listadoParaCompras(const QString& sqlListado) {
+    const QString orden = QStringLiteral(" Order By A.producto");
+    const QString precio = QStringLiteral("A.precio as Precio1");
+    const auto posicion = sqlListado.lastIndexOf(orden);
+    if (posicion < 0 || !sqlListado.contains(precio))
+        throw ErrorProgramacion("El listado de productos no es el que se esperaba");
+    QString sql = sqlListado;
+    sql.insert(posicion, QStringLiteral(" And ifnull(A.activo, 0) = 1"));
+    return sql.replace(precio, QStringLiteral("ifnull(A.pCompra, 0) as Precio1"));
+}
 
-// Título impreso y columna del pie en ConfiguraImpresiones de cada clase (el ajuste no tiene).
-const char* const kTitulos[] = {"ORDEN DE COMPRA", "RECEPCIÓN DE MERCANCÍA",
-                                "DEVOLUCIÓN DE MERCANCÍA", "AJUSTE DE INVENTARIO"};
-const char* const kPies[] = {"pieOC", "pieRM", "pieDM", nullptr};
+inline constexpr const char* PreguntaSalir = "Transacción Incompleta\n¿Aún así desea salir?";
 
 // Por cientos con dos decimales; cantidades e importes con los formatos del catálogo.
 QString numero(double valor) {
@@ -193,18 +203,37 @@ TComprasModulosDiversosF::TComprasModulosDiversosF(const Sesion& sesion, QWidget
     for (QPushButton* b : {cantidad, costo, descuento, global, eliminar})
         abajo->addWidget(b);
     abajo->addStretch(1);
-    abajo->addWidget(totales_);
     abajo->addWidget(finalizar);
+    // A la izquierda el árbol de líneas sobre sus productos; a la derecha lo capturado.
+    selector_ = new TSelectorProductosF(sesion_, QStringLiteral("Productos por Línea"), this,
+                                        &listadoParaCompras);
+    selector_->ponOrientacion(Qt::Vertical);
+    auto* capturados = new QWidget(this);
+    auto* capaCapturados = new QVBoxLayout(capturados);
+    capaCapturados->setContentsMargins(0, 0, 0, 0);
+    capaCapturados->addLayout(captura);
+    capaCapturados->addWidget(tabla_, 1);
+    auto* division = new QSplitter(Qt::Horizontal, this);
+    division->setObjectName(QStringLiteral("DivisionCompras"));
+    division->addWidget(selector_);
+    division->addWidget(capturados);
+    division->setStretchFactor(0, 1);
+    division->setStretchFactor(1, 3);
+    division->setSizes({340, 1000});
     auto* capa = new QVBoxLayout(this);
     capa->addLayout(rejilla);
-    capa->addLayout(captura);
-    capa->addWidget(tabla_, 1);
+    capa->addWidget(division, 1);
+    capa->addWidget(totales_, 0, Qt::AlignRight);
     capa->addLayout(abajo);
 
     connect(tipo_, &QComboBox::currentIndexChanged, this,
             &TComprasModulosDiversosF::TipoDocumentoChange);
     connect(moneda_, &QComboBox::currentIndexChanged, this,
             &TComprasModulosDiversosF::MonedaChange);
+    connect(proveedor_, &QComboBox::currentIndexChanged, this,
+            &TComprasModulosDiversosF::ProveedorChange);
+    connect(selector_, &TSelectorProductosF::elegido, this,
+            &TComprasModulosDiversosF::ProductoElegido);
     connect(clave_, &QLineEdit::returnPressed, this,
             &TComprasModulosDiversosF::ClaveProductoReturn);
     connect(buscar, &QPushButton::clicked, this, &TComprasModulosDiversosF::BotonBuscarClick);
@@ -231,7 +260,11 @@ void TComprasModulosDiversosF::error(const QString& mensaje) {
 
 void TComprasModulosDiversosF::CargaTimer() {
     try {
-        llena(proveedor_, SqlProveedores, sesion_.EmpresaID, QStringLiteral("nombre"));
+        {
+            const QSignalBlocker bloqueoProveedor(proveedor_);
+            llena(proveedor_, SqlProveedores, sesion_.EmpresaID, QStringLiteral("nombre"));
+        }
+        selector_->cargaLineas();
         const QSignalBlocker bloqueo(moneda_);
         llena(moneda_, SqlMonedas, sesion_.EmpresaID, QStringLiteral("descripcion"), &tiposCambio_);
         llena(formaPago_, SqlFormasPago, sesion_.EmpresaID, QStringLiteral("descripcion"));
@@ -253,6 +286,23 @@ void TComprasModulosDiversosF::MonedaChange(int indice) {
         tipoCambio_->setText(QLocale::c().toString(tiposCambio_[static_cast<size_t>(indice)]));
 }
 
+void TComprasModulosDiversosF::ProveedorChange(int indice) {
+    // El proveedor trae sus días de crédito (los días de pago que se proponen) y su modo de IVA,
+    // con el que se recalculan los costos capturados.
+    const int64_t id = indice > 0 ? proveedor_->itemData(indice).toLongLong() : 0;
+    int dias = 0;
+    cambia([&] {
+        dias = documento_->ponProveedor(id);
+        return DocumentoCompra::Rechazo{};
+    });
+    plazoPago_->setText(QString::number(dias));
+}
+
+void TComprasModulosDiversosF::ProductoElegido(int64_t, const QString& clave) {
+    cambia([&] { return documento_->agrega(clave); });
+    tabla_->selectRow(modelo_->rowCount() - 1);
+}
+
 void TComprasModulosDiversosF::TipoDocumentoChange(int indice) {
     const auto tipo = static_cast<TipoCompra>(std::clamp(indice, 0, 3));
     // Cada clase es un documento nuevo (sin renglones: la clase solo cambia sin ellos).
@@ -269,6 +319,7 @@ void TComprasModulosDiversosF::TipoDocumentoChange(int indice) {
         ordenOrigen_ = 0;
         return 0;
     });
+    ProveedorChange(proveedor_->currentIndex());
     const bool ajuste = tipo == TipoCompra::Ajuste;
     for (QWidget* w : std::initializer_list<QWidget*>{proveedor_, moneda_, tipoCambio_, plazoPago_})
         w->setEnabled(!ajuste);
@@ -486,31 +537,10 @@ void TComprasModulosDiversosF::FinalizaTimer(int operacion) {
         qWarning() << "Compras, registro:" << e.what();
         return;
     }
-    if (operacion < 2) {
-        const AjustesEstacion estacion(carpetaEstacion_);
-        PedidoImpresion pedido;
-        pedido.carpeta = QStringLiteral("Compras");
-        pedido.ajustes = leeAjustesImpresion(estacion, QStringLiteral("Compras"));
-        pedido.destino = operacion == 0 ? DestinoImpresion::Impresora : DestinoImpresion::Pdf;
-        pedido.archivoPdf = QDir(estacion.carpeta()).filePath(QString::fromUtf8(ArchivoPdfLocal));
-        const char* columnaPie = kPies[static_cast<int>(documento_->tipo())];
-        const int64_t empresa = sesion_.EmpresaID;
-        imprimeDocumento(this, sesion_, pedido,
-                         [documento = impresion(folio), columnaPie, empresa]() mutable {
-                             if (columnaPie) {
-                                 Consulta pie(ModuloDeDatos.ConexionBD,
-                                              QStringLiteral("Select ifnull(%1, '') as pie From "
-                                                             "ConfiguraImpresiones Where "
-                                                             "empresaID = :EmpresaID")
-                                                  .arg(QString::fromLatin1(columnaPie)));
-                                 pie.parametro(QStringLiteral("EmpresaID")).entero(empresa);
-                                 pie.abre();
-                                 documento.datos[QStringLiteral("pie")] =
-                                     pie.campo(QStringLiteral("pie")).comoTexto();
-                             }
-                             return documento;
-                         });
-    }
+    if (operacion < 2)
+        imprimeCompra(this, sesion_, registrada(folio),
+                      operacion == 0 ? DestinoImpresion::Impresora : DestinoImpresion::Pdf,
+                      carpetaEstacion_);
     cambia([&] {
         documento_->limpia();
         return DocumentoCompra::Rechazo{};
@@ -519,33 +549,24 @@ void TComprasModulosDiversosF::FinalizaTimer(int operacion) {
     observaciones_->clear();
 }
 
-DocumentoImpresion TComprasModulosDiversosF::impresion(int64_t folio) const {
+CompraGuardada TComprasModulosDiversosF::registrada(int64_t folio) const {
     const TotalesVenta t = documento_->totales();
-    DocumentoImpresion doc;
-    QVariantMap& d = doc.datos;
-    d[QStringLiteral("empresa")] = sesion_.NombreEmpresa;
-    d[QStringLiteral("rfc")] = sesion_.Rfc;
-    d[QStringLiteral("titulo")] = QString::fromUtf8(kTitulos[static_cast<int>(documento_->tipo())]);
-    d[QStringLiteral("folio")] = QString::number(folio);
-    d[QStringLiteral("fecha")] =
-        QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm"));
-    d[QStringLiteral("proveedor")] =
-        proveedor_->isEnabled() ? proveedor_->currentText() : QString();
-    d[QStringLiteral("usuario")] = sesion_.NombreDeUsuario;
-    QVariantList renglones;
+    CompraGuardada c;
+    c.tipo = documento_->tipo();
+    c.folio = folio;
+    c.fecha = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    c.proveedor = proveedor_->isEnabled() ? proveedor_->currentText() : QString();
+    c.usuario = sesion_.NombreDeUsuario;
+    c.entrada = entrada_->isChecked();
+    c.observaciones = observaciones_->text().trimmed();
     for (const RenglonVenta& r : documento_->TransaccionDetalles())
-        renglones << QVariantMap{{QStringLiteral("cantidad"), textoCantidad(r.Cantidad)},
-                                 {QStringLiteral("unidad"), r.Unidad},
-                                 {QStringLiteral("clave"), r.clave},
-                                 {QStringLiteral("descripcion"), r.Producto},
-                                 {QStringLiteral("precio"), textoPrecio(r.PCompra)},
-                                 {QStringLiteral("importe"), textoPrecio(r.Importe)}};
-    d[QStringLiteral("renglones")] = renglones;
-    d[QStringLiteral("subtotal")] = textoPrecio(t.subtotal - t.descuento);
-    d[QStringLiteral("ieps")] = t.ieps > 0 ? textoPrecio(t.ieps) : QString();
-    d[QStringLiteral("iva")] = textoPrecio(t.iva);
-    d[QStringLiteral("total")] = textoPrecio(t.total);
-    return doc;
+        c.renglones.push_back({r.clave, r.Producto, r.Unidad, r.Cantidad, r.PCompra, r.Descuento,
+                               r.porcentajeImpuesto, r.Importe});
+    // Como se almacenó: el subtotal lleva el IEPS para que subtotal + IVA dé el total.
+    c.subtotal = Redondea(t.total - t.iva, 2);
+    c.iva = t.iva;
+    c.total = t.total;
+    return c;
 }
 
 void TComprasModulosDiversosF::closeEvent(QCloseEvent* evento) {

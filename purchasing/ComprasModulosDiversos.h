@@ -8,7 +8,7 @@
 
 #include "datos/Sesion.h"
 #include "pantallas/Mensajes.h"
-#include "printing/Plantillas.h"
+#include "purchasing/ConsultaCompras.h"
 #include "purchasing/DocumentoCompra.h"
 
 class QComboBox;
@@ -21,10 +21,12 @@ namespace cajaplex {
 
 class InterruptorSiNo;
 class ModeloTabla;
+class TSelectorProductosF;
 
 // "Compras": captura de órdenes de compra, recepciones de mercancía, devoluciones al proveedor y
 // ajustes de inventario. La clase se elige al abrir (TipoDocumento) y queda fija mientras haya
-// renglones capturados. Al registrar se elige imprimir, ver el PDF o solo almacenar.
+// renglones capturados. Los productos se agregan por clave, por búsqueda o navegando el árbol de
+// líneas. Al registrar se elige imprimir, ver el PDF o solo almacenar.
 class TComprasModulosDiversosF : public QWidget {
     Q_OBJECT
 public:
@@ -53,12 +55,14 @@ private slots:
     void BotonReposicionClick();
     void BotonFinalizarClick();
     void MonedaChange(int indice);
+    void ProveedorChange(int indice);
+    void ProductoElegido(int64_t productoID, const QString& clave);
 
 private:
     void CargaTimer();
     void FinalizaTimer(int operacion);
-    // Lo que lleva la plantilla "Compras" del documento recién registrado.
-    DocumentoImpresion impresion(int64_t folio) const;
+    // El documento recién registrado, como lo imprime la plantilla "Compras".
+    CompraGuardada registrada(int64_t folio) const;
     void muestra();
     void error(const QString& mensaje);
     int filaElegida() const;
@@ -89,6 +93,7 @@ private:
     QTableView* tabla_;        // "TransaccionDetalles"
     ModeloTabla* modelo_;
     QLabel* totales_;                 // "Totales"
+    TSelectorProductosF* selector_;   // "SelectorProductos"
     std::vector<double> tiposCambio_; // tipoCambioCompra de cada moneda del combo
 };
 

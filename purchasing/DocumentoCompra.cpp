@@ -15,12 +15,17 @@
 namespace cajaplex {
 namespace {
 
+// Una orden de compra que no se ha recibido la cancela quien puede cancelar recepciones.
 const DatosTipoCompra kTipos[] = {
-    {"Compras -> Órden de Compra", "Requisicion", "RequisicionDetalle", "requisicion", "folioOC"},
-    {"Recepción de Mercancía", "OrdenCompra", "OrdenCompraDetalle", "ordenCompra", "folioRM"},
+    {"Compras -> Órden de Compra", "Requisicion", "RequisicionDetalle", "requisicion", "folioOC",
+     "Órden de Compra", "Órdenes de Compra", "cancelarRM"},
+    {"Recepción de Mercancía", "OrdenCompra", "OrdenCompraDetalle", "ordenCompra", "folioRM",
+     "Recepción de Mercancía", "Recepciones de Mercancía", "cancelarRM"},
     {"Devolución de Mercancía", "DevolucionOrdenCompra", "DevolucionOrdenCompraDetalle",
-     "devolucionOrdenCompra", "folioDevolucionOC"},
-    {"Ajustes", "AjusteProductos", "AjusteProductosDetalle", "id", "folioAjustes"},
+     "devolucionOrdenCompra", "folioDevolucionOC", "Devolución de Mercancía",
+     "Devoluciones de Mercancía", "cancelarDM"},
+    {"Ajustes", "AjusteProductos", "AjusteProductosDetalle", "id", "folioAjustes",
+     "Ajuste de Inventario", "Ajustes de Inventario", "cancelarAjuste"},
 };
 
 const char* const SqlConfiguracion =
@@ -84,6 +89,10 @@ const char* const SqlSaldoPendienteProveedor =
     "Where empresaID = :EmpresaID And proveedor= :proveedorID And cancelada = 0 And Pagada = 0 "
     "And saldoPendiente > 0";
 
+const char* const SqlCreditoProveedor =
+    "Select ifnull(diasCredito, 0) as diasCredito, ifnull(desglosaRM, 0) as desglosaRM From "
+    "Proveedores Where empresaID = :EmpresaID and id = :ID";
+
 const char* const SqlLimiteProveedor = "Select ifnull(limiteCredito, 0) as limiteCredito From "
                                        "Proveedores Where empresaID = :EmpresaID and id = :ID";
 
@@ -95,6 +104,13 @@ constexpr size_t SentenciaEncabezado = 1;
 
 const char* const SqlOrdenConsolidada =
     "Update Requisicion Set consolidada = 1 where empresaID = :EmpresaID and folio = :Folio";
+// La recepción anota la orden que recibió: cancelarla la vuelve a abrir.
+const char* const SqlOrdenDeRecepcion = "Update OrdenCompra Set folioRequisicion = :Orden "
+                                        "Where empresaID = :EmpresaID and folio = :Folio";
+
+int modoValido(int64_t modo) {
+    return modo >= 1 && modo <= 4 ? static_cast<int>(modo) : 0;
+}
 
 QString texto(const char* s) {
     return QString::fromUtf8(s);
@@ -113,10 +129,29 @@ void DocumentoCompra::abre() {
     Consulta q(conexion_, texto(SqlConfiguracion));
     q.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
     q.abre();
-    const int64_t modo = q.campo(QStringLiteral("desglosaRM")).comoEntero();
-    desglosaRM_ = modo >= 1 && modo <= 4 ? static_cast<int>(modo) : 2;
+    const int modo = modoValido(q.campo(QStringLiteral("desglosaRM")).comoEntero());
+    desglosaEmpresa_ = desglosaRM_ = modo > 0 ? modo : 2;
     monedaDefault_ = q.campo(QStringLiteral("MonedaDefaultCompras")).comoEntero();
     formaPagoDefault_ = q.campo(QStringLiteral("TipoPagoDefaultCompras")).comoEntero();
+}
+
+int DocumentoCompra::ponProveedor(int64_t proveedorID) {
+    int dias = 0;
+    int modo = 0;
+    if (proveedorID > 0) {
+        Consulta q(conexion_, texto(SqlCreditoProveedor));
+        q.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
+        q.parametro(QStringLiteral("ID")).entero(proveedorID);
+        q.abre();
+        if (q.numeroRegistros() > 0) {
+            dias = static_cast<int>(q.campo(QStringLiteral("diasCredito")).comoEntero());
+            modo = modoValido(q.campo(QStringLiteral("desglosaRM")).comoEntero());
+        }
+    }
+    desglosaRM_ = modo > 0 ? modo : desglosaEmpresa_;
+    for (RenglonVenta& r : renglones_)
+        recalcula(r);
+    return dias;
 }
 
 RenglonVenta DocumentoCompra::renglonDe(const Registro& r) const {
@@ -399,6 +434,11 @@ int64_t DocumentoCompra::registra(const EncabezadoCompra& e) {
         q.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
         q.parametro(QStringLiteral("Folio")).entero(e.ordenOrigen);
         lote.agrega(q);
+        Consulta origen(SqlOrdenDeRecepcion);
+        origen.parametro(QStringLiteral("Orden")).entero(e.ordenOrigen);
+        origen.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
+        origen.parametro(QStringLiteral("Folio")).de(SentenciaFolios, columnaFolio);
+        lote.agrega(origen);
     }
 
     // La bitácora lleva el folio, que se conoce hasta que corre el lote.

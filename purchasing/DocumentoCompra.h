@@ -19,14 +19,18 @@ class ConexionBD;
 // Las cuatro clases de documento, en el orden del índice de la pantalla.
 enum class TipoCompra { OrdenCompra = 0, Recepcion = 1, Devolucion = 2, Ajuste = 3 };
 
-// Lo fijo de cada clase: su nombre en pantalla (también su módulo en la bitácora), sus tablas y
-// la columna de su folio en Configura.
+// Lo fijo de cada clase: su nombre en pantalla (también su módulo en la bitácora), sus tablas,
+// la columna de su folio en Configura, cómo se nombra en los mensajes y el derecho de compras con
+// que se cancela.
 struct DatosTipoCompra {
     const char* nombre;
     const char* encabezado;
     const char* detalle;
     const char* columnaDetalle; // la que liga el renglón con su encabezado
     const char* folio;
+    const char* documento; // "Recepción de Mercancía"
+    const char* plural;    // "Recepciones de Mercancía"
+    const char* derechoCancelar;
 };
 const DatosTipoCompra& datosTipo(TipoCompra tipo);
 
@@ -96,6 +100,10 @@ public:
 
     // Modo de IVA, moneda y forma de pago por omisión de la empresa. Lanza ErrorServicio.
     void abre();
+    // El proveedor elegido: sus costos se calculan con su modo de IVA (o el de la empresa si no
+    // tiene) y los renglones se recalculan. Devuelve sus días de crédito, los días de pago que
+    // se proponen; 0 sin proveedor. Lanza ErrorServicio.
+    int ponProveedor(int64_t proveedorID);
 
     TipoCompra tipo() const { return tipo_; }
     int desglosaRM() const { return desglosaRM_; }
@@ -143,6 +151,7 @@ private:
     TipoCompra tipo_;
     std::vector<RenglonVenta> renglones_;
     int desglosaRM_ = 2;
+    int desglosaEmpresa_ = 2;
     int64_t monedaDefault_ = 0;
     int64_t formaPagoDefault_ = 0;
 };

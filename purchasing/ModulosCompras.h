@@ -2,7 +2,8 @@
 
 namespace cajaplex {
 
-// Agrega al registro de módulos las pantallas de compras: "Compras" y "Proveedores".
+// Agrega al registro de módulos las pantallas de compras: "Compras", "Documentos de Compra" y
+// "Proveedores".
 void registraModulosCompras();
 
 } // namespace cajaplex

@@ -2,9 +2,11 @@
 
 #include <exception>
 
+#include <QComboBox>
 #include <QDoubleValidator>
 #include <QFrame>
 #include <QGridLayout>
+#include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -66,10 +68,8 @@ TProveedoresEditaF::TProveedoresEditaF(const Sesion& sesion, QWidget* padre)
     constexpr int kColumnas = 3;
     int posicion = 0;
     // Cada control con su título arriba, que también lo nombra para la accesibilidad.
-    auto linea = [&](const QString& nombre, const QString& texto, int largo) {
-        auto* c = new QLineEdit(tarjeta);
+    auto pon = [&](QWidget* c, const QString& nombre, const QString& texto) {
         c->setObjectName(nombre);
-        c->setMaxLength(largo);
         auto* titulo =
             creaEtiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
         titulo->setBuddy(c);
@@ -80,6 +80,11 @@ TProveedoresEditaF::TProveedoresEditaF(const Sesion& sesion, QWidget* padre)
         rejilla->addWidget(titulo, renglon, columna);
         rejilla->addWidget(c, renglon + 1, columna);
         ++posicion;
+    };
+    auto linea = [&](const QString& nombre, const QString& texto, int largo) {
+        auto* c = new QLineEdit(tarjeta);
+        c->setMaxLength(largo);
+        pon(c, nombre, texto);
         return c;
     };
     for (const CampoTexto& campo : kCamposTexto)
@@ -90,6 +95,15 @@ TProveedoresEditaF::TProveedoresEditaF(const Sesion& sesion, QWidget* padre)
     limiteCredito_ =
         linea(QStringLiteral("limiteCredito"), QStringLiteral("Límite de Crédito"), 15);
     limiteCredito_->setValidator(new QDoubleValidator(0, 1e12, 2, limiteCredito_));
+    diasCredito_ = linea(QStringLiteral("diasCredito"), QStringLiteral("Días de Crédito"), 4);
+    diasCredito_->setValidator(new QIntValidator(0, 9999, diasCredito_));
+    diasCredito_->setInputMethodHints(Qt::ImhDigitsOnly);
+    // El dato guarda el modo; el combo, su texto.
+    desglosaRM_ = new QComboBox(tarjeta);
+    desglosaRM_->addItem(QStringLiteral("Como la Empresa"), 0);
+    desglosaRM_->addItem(QStringLiteral("Costos con IVA Incluido"), 1);
+    desglosaRM_->addItem(QStringLiteral("Costos más IVA (Desglosado)"), 2);
+    pon(desglosaRM_, QStringLiteral("desglosaRM"), QStringLiteral("IVA en sus Costos"));
     for (int c = 0; c < kColumnas; ++c)
         rejilla->setColumnStretch(c, 1);
     ponContenido(tarjeta);
@@ -99,6 +113,10 @@ void TProveedoresEditaF::muestra(const DatosProveedor& proveedor) {
     for (int i = 0; i < textos_.size(); ++i)
         textos_.at(i)->setText(proveedor.*kCamposTexto[i].valor);
     limiteCredito_->setText(dinero(proveedor.limiteCredito));
+    diasCredito_->setText(QString::number(proveedor.diasCredito));
+    // Los modos 3 y 4 calculan el costo como el 2 (sin IVA): se muestran y se guardan como él.
+    const int modo = desglosaRM_->findData(proveedor.desglosaRM);
+    desglosaRM_->setCurrentIndex(modo >= 0 ? modo : 2);
     almacenar_->setEnabled(true);
     textos_.first()->setFocus();
 }
@@ -120,6 +138,8 @@ DatosProveedor TProveedoresEditaF::capturado() const {
     for (int i = 0; i < textos_.size(); ++i)
         p.*kCamposTexto[i].valor = textos_.at(i)->text();
     p.limiteCredito = QLocale::c().toDouble(limiteCredito_->text().trimmed());
+    p.diasCredito = diasCredito_->text().trimmed().toInt();
+    p.desglosaRM = desglosaRM_->currentData().toInt();
     return p;
 }
 
@@ -165,7 +185,11 @@ void TProveedoresF::CargaTimer(int64_t seleccion) {
         if (!p.contacto.isEmpty()) detalle << p.contacto;
         if (!p.telefono.isEmpty()) detalle << QStringLiteral("Tel. ") + p.telefono;
         item->setData(RolPrimeraLinea, p.nombre);
-        item->setData(RolDatoDerecha, QStringLiteral("Crédito ") + textoPrecio(p.limiteCredito));
+        item->setData(RolDatoDerecha, p.diasCredito > 0 ? QStringLiteral("Crédito %1 a %2 días")
+                                                              .arg(textoPrecio(p.limiteCredito))
+                                                              .arg(p.diasCredito)
+                                                        : QStringLiteral("Crédito ") +
+                                                              textoPrecio(p.limiteCredito));
         item->setData(RolSegundaLinea, detalle.join(QStringLiteral(" · ")));
         item->setData(RolID, QVariant::fromValue<qlonglong>(p.id));
         if (p.id == seleccion) lista_->setCurrentItem(item);

@@ -8,11 +8,13 @@
 #include "pantallas/ListaEdicion.h"
 #include "purchasing/CatalogoProveedores.h"
 
+class QComboBox;
 class QLineEdit;
 
 namespace cajaplex {
 
-// Alta o cambio de un proveedor: nombre, RFC, domicilio, contacto y límite de crédito.
+// Alta o cambio de un proveedor: nombre, RFC, domicilio, contacto, límite y días de crédito y cómo
+// cotiza sus costos (con o sin IVA).
 class TProveedoresEditaF : public TEdicionCatalogoF {
     Q_OBJECT
 public:
@@ -32,6 +34,8 @@ private:
     std::optional<DatosProveedor> anterior_; // vacío: alta
     QList<QLineEdit*> textos_;               // nombre, razón social, RFC, domicilio, contacto
     QLineEdit* limiteCredito_;               // "limiteCredito"
+    QLineEdit* diasCredito_;                 // "diasCredito"
+    QComboBox* desglosaRM_;                  // "desglosaRM"
 };
 
 // "Proveedores": la lista con búsqueda en el servicio, alta (con el derecho de compras

@@ -8,20 +8,18 @@
 #include <string>
 
 #include <QComboBox>
-#include <QFile>
 #include <QLineEdit>
-#include <QPdfDocument>
-#include <QRegularExpression>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 
+#include "catalog/CatalogoProductos.h"
 #include "datos/MensajesComunes.h"
 #include "datos/ModuloDatos.h"
 #include "pantallas/Mensajes.h"
-#include "printing/ImpresionDocumentos.h"
-#include "printing/PlantillasLocales.h"
 #include "purchasing/ComprasModulosDiversos.h"
 #include "tests/fixtures/Toques.h"
+#include "tests/purchasing/PdfCompras.h"
 
 namespace cajaplex {
 namespace {
@@ -297,11 +295,7 @@ TEST_F(ComprasTest, LaReposicionLlenaLoQueFaltaConMaximoMenosExistencia) {
 TEST_F(ComprasTest, LaRecepcionEnPdfLlevaTituloFolioProveedorYTotal) {
     QTemporaryDir carpeta;
     auto f = abre();
-    // La base local con las plantillas predeterminadas, como la deja el inicio de sesión.
-    ModuloDeDatos.ConexionLocalBD.cierra();
-    ModuloDeDatos.ArchivoLocalBD = carpeta.filePath(QStringLiteral("Cajaplex.db"));
-    ModuloDeDatos.ContrasenaLocalBD = QStringLiteral("clave-local");
-    actualizaCopiaLocalPlantillas(ModuloDeDatos, sesion_);
+    preparaPlantillasLocales(carpeta, sesion_);
     f->ponCarpetaEstacion(carpeta.path());
     c.exige("Update ConfiguraImpresiones Set pieRM = 'Revise su mercancía' Where empresaID = 1");
 
@@ -311,15 +305,8 @@ TEST_F(ComprasTest, LaRecepcionEnPdfLlevaTituloFolioProveedorYTotal) {
     renglon(*f, "2002", 3, 25); // 75 + 16 % de IVA
     Mensajes::respondeOpcion(1);
     toca(*f, "BotonFinalizar");
-    const QString archivo = carpeta.filePath(QString::fromUtf8(ArchivoPdfLocal));
-    ASSERT_TRUE(esperaHasta([&] { return QFile::exists(archivo); }, 15000));
-    QPdfDocument pdf;
-    ASSERT_EQ(pdf.load(archivo), QPdfDocument::Error::None);
-    QString texto;
-    for (int i = 0; i < pdf.pageCount(); ++i)
-        texto += pdf.getAllText(i).text();
-    // Sin espacios: las columnas angostas parten las palabras en renglones.
-    texto.remove(QRegularExpression(QStringLiteral("\\s")));
+    const QString texto = textoPdfLocal(carpeta);
+    ASSERT_FALSE(texto.isEmpty());
     for (const QString& esperado :
          {QStringLiteral("RECEPCIÓN DE MERCANCÍA"), QStringLiteral("Folio: %1").arg(folio),
           QStringLiteral("Bebidas y Refrescos del Centro"), QStringLiteral("Refresco de cola 2 L"),
@@ -328,6 +315,54 @@ TEST_F(ComprasTest, LaRecepcionEnPdfLlevaTituloFolioProveedorYTotal) {
             << esperado.toStdString() << "\n"
             << texto.toStdString();
     EXPECT_EQ(datos.contador(1, "folioRM"), folio + 1);
+}
+
+TEST_F(ComprasTest, ElProveedorProponeSusDiasDeCreditoYCotizaConSuModoDeIva) {
+    // Limpieza cotiza con el IVA incluido; la empresa compra con el IVA desglosado.
+    c.exige("Update Proveedores Set desglosaRM = 1 Where id = 3");
+    auto f = abre();
+    tipo(*f, TipoCompra::Recepcion);
+    elige(*f, "Proveedor", QStringLiteral("Distribuidora de Abarrotes de Occidente"));
+    EXPECT_EQ(control<QLineEdit>(*f, "PlazoPago")->text(), "30");
+    elige(*f, "Proveedor", QStringLiteral("Bebidas y Refrescos del Centro"));
+    EXPECT_EQ(control<QLineEdit>(*f, "PlazoPago")->text(), "0");
+    renglon(*f, "2001", 1, 116); // con IVA del 16 %
+    EXPECT_DOUBLE_EQ(f->documento().totales().total, 134.56);
+    elige(*f, "Proveedor", QStringLiteral("Productos de Limpieza Tapatíos"));
+    EXPECT_EQ(control<QLineEdit>(*f, "PlazoPago")->text(), "15");
+    EXPECT_DOUBLE_EQ(f->documento().TransaccionDetalles()[0].Importe, 100);
+    EXPECT_DOUBLE_EQ(f->documento().totales().total, 116);
+    ASSERT_TRUE(finaliza(*f).isEmpty());
+    EXPECT_EQ(valor("Select plazoPago || '|' || saldoPendiente || '|' || pagada || '|' || "
+                    "totalOrdenCompra From OrdenCompra Where empresaID = 1 and proveedor = 3"),
+              "\"15|116.0|0|116.0\"");
+}
+
+TEST_F(ComprasTest, ElArbolDeLineasAgregaLosProductosQueSeTocan) {
+    auto f = abre();
+    auto* arbol = control<QTreeWidget>(*f, "Lineas");
+    const QList<QTreeWidgetItem*> refrescos =
+        arbol->findItems(QStringLiteral("Refrescos"), Qt::MatchExactly | Qt::MatchRecursive);
+    ASSERT_EQ(refrescos.size(), 1);
+    arbol->scrollToItem(refrescos[0]);
+    QTest::mouseClick(arbol->viewport(), Qt::LeftButton, {},
+                      arbol->visualItemRect(refrescos[0]).center());
+    esperaLeyenda(*f);
+    EXPECT_EQ(rotulo(*f, "TituloDisponibles"), "Refrescos");
+    const QStringList deLaLinea =
+        prueba::renglones(*f, "ProductosDisponibles", ModeloProductos::RolClave);
+    EXPECT_EQ(deLaLinea.size(), c.cuenta("Productos Where empresaID = 1 and linea = 9"));
+    EXPECT_TRUE(deLaLinea.contains("2001") && deLaLinea.contains("2002"));
+    tocaRenglon(*f, "ProductosDisponibles", ModeloProductos::RolClave, "2001");
+    tocaRenglon(*f, "ProductosDisponibles", ModeloProductos::RolClave, "2002");
+    const auto& r = f->documento().TransaccionDetalles();
+    ASSERT_EQ(r.size(), 2u);
+    EXPECT_EQ(r[0].clave, "2001");
+    EXPECT_DOUBLE_EQ(r[0].PCompra, 12.8);
+    EXPECT_EQ(r[1].posicion, 2);
+    // La búsqueda del panel también lista lo que encuentra.
+    enter(*f, "BuscarProducto", QStringLiteral("frijol"));
+    EXPECT_EQ(prueba::renglones(*f, "ProductosDisponibles", ModeloProductos::RolClave).size(), 3);
 }
 
 // La bitácora (la última sentencia del lote) falla: no queda encabezado, renglón, folio ni

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -81,10 +82,21 @@ TEST_F(ProveedoresTest, RechazosEnOrdenDejanLoTecleadoYElAltaQuedaConSuBitacora)
     tocaRenglon(*f, "ListaProveedores", RolPrimeraLinea, "Granos O'Brien");
     toca(*f, "BotonModificar");
     escribe(*f, "telefono", "3312345678");
+    escribe(*f, "diasCredito", "-5");
+    EXPECT_EQ(almacena(*f), QStringList{MensajeDiasCreditoNegativos});
+    EXPECT_EQ(control<QLineEdit>(*f, "telefono")->text(), "3312345678");
+    escribe(*f, "diasCredito", "45");
+    auto* iva = control<QComboBox>(*f, "desglosaRM");
+    iva->setCurrentIndex(iva->findText(QStringLiteral("Costos con IVA Incluido")));
     EXPECT_TRUE(almacena(*f).isEmpty());
-    EXPECT_EQ(valor("Select count(*) || '|' || max(telefono) From Proveedores Where nombre = "
-                    "'Granos O''Brien'"),
-              "\"1|3312345678\"");
+    EXPECT_EQ(valor("Select count(*) || '|' || max(telefono) || '|' || max(diasCredito) || '|' || "
+                    "max(desglosaRM) From Proveedores Where nombre = 'Granos O''Brien'"),
+              "\"1|3312345678|45|1\"");
+    // Al volver a editarlo se ven como se guardaron.
+    tocaRenglon(*f, "ListaProveedores", RolPrimeraLinea, "Granos O'Brien");
+    toca(*f, "BotonModificar");
+    EXPECT_EQ(control<QLineEdit>(*f, "diasCredito")->text(), "45");
+    EXPECT_EQ(control<QComboBox>(*f, "desglosaRM")->currentText(), "Costos con IVA Incluido");
     EXPECT_EQ(valor("Select count(*) From AuditoriasSistema Where moduloSistema = "
                     "'Catálogos -> Proveedores' and tipoAuditoria = 'Actualización' and "
                     "datoAnterior like 'Granos O''Brien%'"),
