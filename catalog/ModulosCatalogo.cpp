@@ -1,5 +1,7 @@
 #include "catalog/ModulosCatalogo.h"
 
+#include "catalog/ExportarCatalogoProductos.h"
+#include "catalog/ImportadorExcel.h"
 #include "catalog/IncrementoPrecios.h"
 #include "catalog/Kits.h"
 #include "catalog/Productos.h"
@@ -45,6 +47,14 @@ void registraModulosCatalogo() {
         {utilerias, QStringLiteral("ValorInventario"), QStringLiteral("Valor de Inventario"),
          QStringLiteral("ValorInventario"),
          [](const Sesion& s) -> QWidget* { return new TValorInventarioF(s); }});
+    RegistroModulos::registra(
+        {utilerias, QStringLiteral("ExportarCatalogo"), QStringLiteral("Exportar Catálogo"),
+         QStringLiteral("Exportar"),
+         [](const Sesion& s) -> QWidget* { return new TExportarCatalogoProductosF(s); }});
+    RegistroModulos::registra(
+        {catalogos, QStringLiteral("ImportadorExcel"), QStringLiteral("Importador de Excel"),
+         QStringLiteral("Importar"),
+         [](const Sesion& s) -> QWidget* { return new TImportadorExcelF(s); }});
 }
 
 } // namespace cajaplex

@@ -23,7 +23,8 @@ const QStringList& TUtileriasProductosF::nombresEntradas() {
     // El monedero electrónico lo registra ventas; aparece aquí también, como en el sistema.
     static const QStringList nombres = {
         QStringLiteral("IncrementoPrecios"), QStringLiteral("KardexMovimientos"),
-        QStringLiteral("ValorInventario"), QStringLiteral("AsignaMonedero")};
+        QStringLiteral("ValorInventario"), QStringLiteral("ExportarCatalogo"),
+        QStringLiteral("AsignaMonedero")};
     return nombres;
 }
 

@@ -1,21 +1,18 @@
 #include "catalog/ValorInventario.h"
 
 #include <QDate>
-#include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QStandardPaths>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <QtDebug>
 
 #include "catalog/CatalogoProductos.h"
 #include "datos/ModuloDatos.h"
+#include "pantallas/ArchivoExcel.h"
 #include "pantallas/HojaEstilo.h"
 #include "pantallas/Leyenda.h"
 #include "pantallas/Sonidos.h"
@@ -165,14 +162,9 @@ void TValorInventarioF::llenaListado(ValorInventario inventario) {
 
 void TValorInventarioF::BotonExportarClick() {
     Sonidos::reproduce(Sonido::Click);
-    const QString carpeta = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QString ruta =
-        QFileDialog::getSaveFileName(this, QStringLiteral("Exportar Valor de Inventario"),
-                                     QDir(carpeta).filePath(QStringLiteral("ValorInventario.xlsx")),
-                                     QStringLiteral("Libro de Excel (*.xlsx)"));
+    const QString ruta = pideArchivoExcelNuevo(this, QStringLiteral("Exportar Valor de Inventario"),
+                                               QStringLiteral("ValorInventario.xlsx"));
     if (ruta.isEmpty()) return;
-    if (QFileInfo(ruta).suffix().compare(QStringLiteral("xlsx"), Qt::CaseInsensitive) != 0)
-        ruta += QStringLiteral(".xlsx");
     ejecutaConLeyenda(this, QStringLiteral("Exportando Información"),
                       [this, ruta] { exportaA(ruta); });
 }

@@ -132,8 +132,9 @@ TEST_F(UtileriasProductosTest, MenuConSusUtileriasEnOrdenYCadaUnaAbreSuPantalla)
     QStringList titulos;
     for (const QPushButton* b : f->findChildren<QPushButton*>())
         if (b->objectName().startsWith(QStringLiteral("Boton"))) titulos << b->text();
-    EXPECT_EQ(titulos, (QStringList{"Incremento de Precios", "Kardex de Movimientos",
-                                    "Valor de Inventario", "Asigna Monedero Electrónico"}));
+    EXPECT_EQ(titulos,
+              (QStringList{"Incremento de Precios", "Kardex de Movimientos", "Valor de Inventario",
+                           "Exportar Catálogo", "Asigna Monedero Electrónico"}));
 
     QWidget* abierta = nullptr;
     QString titulo;
