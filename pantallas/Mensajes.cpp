@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include <QAbstractButton>
 #include <QButtonGroup>
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -42,6 +43,7 @@ struct EstadoPrueba {
     bool activo = false;
     std::deque<RespuestaEnCola> cola;
     QStringList anotados;
+    int preseleccion = -1;
     std::function<void(QDialog&)> revision;
 };
 
@@ -273,7 +275,14 @@ bool Mensajes::preguntaSiNo(const QString& texto) const {
                              {QStringLiteral("Sí"), QStringLiteral("No")});
 }
 
-int Mensajes::eligeOpcion(const QString& titulo, const QStringList& opciones) const {
+int Mensajes::eligeOpcion(const QString& titulo, const QStringList& opciones,
+                          int preseleccion) const {
+    if (preseleccion < 0 || preseleccion >= opciones.size()) preseleccion = 0;
+    {
+        auto& e = estado();
+        std::lock_guard<std::mutex> g(e.candado);
+        if (e.activo) e.preseleccion = preseleccion;
+    }
     if (auto r = respuestaDePrueba<int>(titulo)) {
         if (!*r || **r < 0 || **r >= opciones.size()) return -1;
         return **r;
@@ -284,10 +293,12 @@ int Mensajes::eligeOpcion(const QString& titulo, const QStringList& opciones) co
     for (int i = 0; i < opciones.size(); ++i) {
         auto* opcion = new QRadioButton(opciones.at(i), &dialogo);
         opcion->setAccessibleName(opciones.at(i));
-        opcion->setChecked(i == 0);
+        opcion->setChecked(i == preseleccion);
         grupo->addButton(opcion, i);
         columna->addWidget(opcion);
     }
+    // Con el foco en la marcada, Enter la acepta y las flechas se mueven desde ahí.
+    if (QAbstractButton* marcada = grupo->button(preseleccion)) marcada->setFocus();
     columna->addWidget(botonesAceptarCancelar(dialogo));
     if (ejecuta(dialogo) != QDialog::Accepted) return -1;
     return grupo->checkedId();
@@ -342,6 +353,7 @@ void Mensajes::modoPrueba(bool activo) {
     e.activo = activo;
     e.cola.clear();
     e.anotados.clear();
+    e.preseleccion = -1;
 }
 
 void Mensajes::respondeSiguiente(Respuesta respuesta) {
@@ -364,6 +376,12 @@ int Mensajes::respuestasPendientes() {
     auto& e = estado();
     std::lock_guard<std::mutex> g(e.candado);
     return static_cast<int>(e.cola.size());
+}
+
+int Mensajes::ultimaPreseleccion() {
+    auto& e = estado();
+    std::lock_guard<std::mutex> g(e.candado);
+    return e.preseleccion;
 }
 
 void Mensajes::revisaDialogos(std::function<void(QDialog&)> revision) {

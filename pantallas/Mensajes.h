@@ -26,8 +26,9 @@ public:
     void muestra(const QString& texto) const;
     bool pregunta(const QString& texto) const;     // Aceptar / Cancelar
     bool preguntaSiNo(const QString& texto) const; // Sí / No
-    // Índice de la opción elegida, o -1 si se cancela.
-    int eligeOpcion(const QString& titulo, const QStringList& opciones) const;
+    // Índice de la opción elegida, o -1 si se cancela. La opción `preseleccion` llega marcada
+    // (una fuera de la lista marca la primera).
+    int eligeOpcion(const QString& titulo, const QStringList& opciones, int preseleccion = 0) const;
     std::optional<QString> pideTexto(const QString& titulo, const QString& inicial = {},
                                      int maximo = 32767) const;
     std::optional<double> pideDecimal(const QString& titulo, double inicial = 0.0,
@@ -40,6 +41,8 @@ public:
     static void respondeTexto(const QString& texto);
     static void respondeDecimal(double valor);
     static int respuestasPendientes();
+    // La opción que llegó marcada en la última elección preguntada (-1 si no hubo ninguna).
+    static int ultimaPreseleccion();
     // Lo mostrado o preguntado desde la última llamada, en orden.
     static QStringList ultimos();
     // Con el modo de prueba apagado, recibe cada diálogo real ya visible, desde su propio ciclo de

@@ -83,6 +83,11 @@ bool rfcValido(const QString& rfc) {
         .isValid();
 }
 
+bool correoValido(const QString& correo) {
+    static const QRegularExpression forma(QStringLiteral("^[^@\\s]+@[^@\\s]+\\.[^@\\s]+$"));
+    return forma.match(correo).hasMatch();
+}
+
 CatalogoClientes::CatalogoClientes(ConexionBD& conexion, const Sesion& sesion)
     : ConsultaClientes(conexion, QString::fromUtf8(SqlConsultaClientes)),
       ExisteCliente(conexion, QString::fromUtf8(SqlExisteCliente)),
@@ -139,8 +144,7 @@ QString CatalogoClientes::almacena(DatosCliente& cliente, const DatosCliente* an
     if (cliente.nombre.isEmpty()) return QString::fromUtf8(MensajeClienteSinNombre);
     if (!cliente.rfc.isEmpty() && !rfcValido(cliente.rfc))
         return QString::fromUtf8(MensajeRfcInvalido);
-    static const QRegularExpression correo(QStringLiteral("^[^@\\s]+@[^@\\s]+\\.[^@\\s]+$"));
-    if (!cliente.email.isEmpty() && !correo.match(cliente.email).hasMatch())
+    if (!cliente.email.isEmpty() && !correoValido(cliente.email))
         return QString::fromUtf8(MensajeCorreoInvalido);
     if (cliente.limiteCredito < 0 || cliente.diasCredito < 0)
         return QString::fromUtf8(MensajeCreditoNegativo);

@@ -56,6 +56,8 @@ struct DatosCliente {
 bool rfcValido(const QString& rfc);
 // El RFC como se guarda: sin espacios ni guiones, en mayúsculas.
 QString rfcNormalizado(const QString& rfc);
+// Una sola dirección de correo con la forma nombre@dominio.ext (sin espacios).
+bool correoValido(const QString& correo);
 
 // Los clientes de la empresa de la sesión. Cada cambio va en una transacción del servicio con su
 // renglón de bitácora; las revisiones que leen la base van dentro de ella.

@@ -109,6 +109,8 @@ TClientesEditaF::TClientesEditaF(const Sesion& sesion, QWidget* padre)
     puntos_->setFocusPolicy(Qt::NoFocus);
     for (int c = 0; c < kColumnas; ++c)
         rejilla->setColumnStretch(c, 1);
+    // En una pantalla alta los campos se quedan arriba, cada uno junto a su título.
+    rejilla->setRowStretch(rejilla->rowCount(), 1);
     ponContenido(tarjeta);
 }
 

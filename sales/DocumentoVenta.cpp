@@ -288,6 +288,14 @@ DocumentoVenta::Rechazo DocumentoVenta::cambiaCantidad(size_t fila, double canti
     return std::nullopt;
 }
 
+DocumentoVenta::Rechazo DocumentoVenta::cambiaCantidadAbierta(size_t fila, double cantidad) {
+    RenglonVenta& r = renglones_.at(fila);
+    if (!(cantidad > 0)) return QString::fromUtf8(MensajeCantidadCero);
+    r.Cantidad = cantidad;
+    recalcula();
+    return std::nullopt;
+}
+
 DocumentoVenta::Rechazo DocumentoVenta::eligePrecio(size_t fila, int nivel) {
     RenglonVenta& r = renglones_.at(fila);
     if (nivel < 1 || nivel > 5 || !sesion_.puedeVentas(QStringLiteral("precio%1").arg(nivel)))

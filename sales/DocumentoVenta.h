@@ -128,6 +128,9 @@ public:
     // precio del cliente (o al del rango de la cantidad). Lanza ErrorServicio.
     Rechazo agrega(const QString& claveOCodigo);
     Rechazo cambiaCantidad(size_t fila, double cantidad);
+    // La cantidad abierta (a granel, o la que da un importe): solo pide que sea mayor que cero;
+    // no revisa existencia ni cambia el precio por rango.
+    Rechazo cambiaCantidadAbierta(size_t fila, double cantidad);
     Rechazo eligePrecio(size_t fila, int nivel);
     Rechazo cambiaDescuento(size_t fila, double porcentaje);
     Rechazo descuentoGlobal(double porcentaje);

@@ -5,6 +5,7 @@
 #include <exception>
 
 #include <QAbstractListModel>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDoubleValidator>
@@ -50,6 +51,7 @@
 #include "printing/PlantillasLocales.h"
 #include "sales/CatalogoClientes.h"
 #include "sales/Clientes.h"
+#include "sales/ControlesCaja.h"
 #include "sales/DocumentoClonado.h"
 
 namespace cajaplex {
@@ -90,6 +92,14 @@ const char* const SqlBuscaProductos =
     "(A.clave like :Texto Or A.producto like :Texto Or A.codigoBarra like :Texto) "
     "Order By A.producto";
 
+// Las fotos del producto en su orden; solo las de un producto de la empresa.
+const char* const SqlFotosProducto =
+    "Select B.Foto From ProductosFotos B Join Productos A On A.id = B.id "
+    "Where A.empresaID = :EmpresaID And B.id = :ProductoID Order By B.Posicion";
+
+// El cuadro de la foto en detalles: cabe junto a los precios a 1366 de ancho.
+constexpr int kLadoFoto = 300;
+
 const QStringList kOperaciones = {QStringLiteral("Almacenar y Enviar Impresión"),
                                   QStringLiteral("Almacenar y Visualizar PDF"),
                                   QStringLiteral("Almacenar Únicamente")};
@@ -110,6 +120,17 @@ QString dinero(double valor) {
 
 double numero(const QString& t, bool* ok = nullptr) {
     return QLocale::c().toDouble(t.trimmed().remove(QLatin1Char(',')), ok);
+}
+
+// Lo que el cliente paga por una unidad del renglón (impuestos y descuento incluidos, en la
+// moneda de la venta), con las mismas cuentas que el total. Se mide sobre mil unidades para que
+// el redondeo del total a centavos no pese en el precio de una.
+double precioUnitarioAPagar(const DocumentoVenta& venta, const RenglonVenta& r) {
+    constexpr double kMuestra = 1000;
+    RenglonVenta muestra = r;
+    muestra.Cantidad = kMuestra;
+    return calculaTotales({muestra}, venta.ivaRemision(), venta.moneda(), venta.monedas()).total /
+           kMuestra;
 }
 
 template <typename T> T* nombra(T* control, const char* nombre, const QString& accesible) {
@@ -140,6 +161,12 @@ QLineEdit* campoNumero(const char* nombre, const QString& accesible, int decimal
     v->setDecimals(decimales);
     c->setValidator(v);
     return c;
+}
+
+// Lo registra el restaurante al arrancar (registraSelectorComandas).
+FabricaSelectorComandas& fabricaSelectorComandas() {
+    static FabricaSelectorComandas fabrica;
+    return fabrica;
 }
 
 } // namespace
@@ -262,6 +289,10 @@ TPuntoVentaF::TPuntoVentaF(const Sesion& sesion, QWidget* padre, const QString& 
 }
 
 TPuntoVentaF::~TPuntoVentaF() {
+    // Al destruir los controles, el que tiene el foco avisa que terminó su edición; para entonces
+    // la venta ya no existe.
+    for (QLineEdit* campo : {cantidad_, cantidadAbierta_, descuento_})
+        campo->disconnect(this);
     std::erase_if(puntosVenta(),
                   [this](const QPointer<TPuntoVentaF>& p) { return p.isNull() || p == this; });
 }
@@ -382,12 +413,44 @@ QWidget* TPuntoVentaF::creaDetalles() {
     tablaPrecios_->setSelectionBehavior(QAbstractItemView::SelectRows);
     tablaPrecios_->setSelectionMode(QAbstractItemView::SingleSelection);
     tablaPrecios_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Tan alta como sus cinco niveles: sin un hueco blanco debajo.
+    tablaPrecios_->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
+    tablaPrecios_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    tablaPrecios_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     connect(tablaPrecios_, &QTableWidget::cellClicked, this,
             [this](int f, int) { TablaPreciosClick(f); });
     connect(tablaPrecios_, &QTableWidget::cellActivated, this,
             [this](int f, int) { TablaPreciosClick(f); });
 
+    // La foto con sus flechas; un producto sin fotos muestra la figura de foto en el cuadro.
+    imagen_ = nombra(new QLabel(p), "ImagenProducto", QStringLiteral("Foto del producto"));
+    ponEstilo(imagen_, "tarjeta");
+    imagen_->setAlignment(Qt::AlignCenter);
+    imagen_->setFixedSize(kLadoFoto, kLadoFoto);
+    fotoAnterior_ =
+        boton(QString(), QStringLiteral("\u25C0"), "BotonFotoAnterior", nullptr, p); // ◀
+    fotoAnterior_->setAccessibleName(QStringLiteral("Foto anterior"));
+    fotoSiguiente_ =
+        boton(QString(), QStringLiteral("\u25B6"), "BotonFotoSiguiente", nullptr, p); // ▶
+    fotoSiguiente_->setAccessibleName(QStringLiteral("Foto siguiente"));
+    for (QPushButton* b : {fotoAnterior_, fotoSiguiente_})
+        b->setFixedWidth(2 * AltoControl);
+    etiquetaFoto_ = creaEtiqueta(QString(), QStringLiteral("EtiquetaFoto"), "pie", p);
+    etiquetaFoto_->setAccessibleName(QStringLiteral("Número de foto"));
+    etiquetaFoto_->setAlignment(Qt::AlignCenter);
+    connect(fotoAnterior_, &QPushButton::clicked, this, &TPuntoVentaF::FotoAnteriorClick);
+    connect(fotoSiguiente_, &QPushButton::clicked, this, &TPuntoVentaF::FotoSiguienteClick);
+
     cantidad_ = campoNumero("Cantidad", QStringLiteral("Cantidad"), 3, p);
+    // A granel o por importe: sin revisar existencia ni rangos. Con "Es dinero" lo tecleado es
+    // lo que el cliente quiere pagar y la cantidad sale de su precio.
+    cantidadAbierta_ = campoNumero("CantidadAbierta", QStringLiteral("Cantidad abierta"), 3, p);
+    esDinero_ = nombra(new QCheckBox(QStringLiteral("Es dinero ($)"), p), "EsDinero",
+                       QStringLiteral("Es dinero"));
+    esDinero_->setMinimumHeight(AltoControl);
+    connect(cantidadAbierta_, &QLineEdit::editingFinished, this,
+            &TPuntoVentaF::CantidadAbiertaChange);
+    connect(esDinero_, &QCheckBox::toggled, this, &TPuntoVentaF::EsDineroClick);
     descuento_ = campoNumero("Descuento", QStringLiteral("Descuento por ciento"), 2, p);
     nota_ = nombra(new QLineEdit(p), "NotaProductoDetalle", QStringLiteral("Nota del producto"));
     nota_->setMinimumHeight(AltoControl);
@@ -399,17 +462,32 @@ QWidget* TPuntoVentaF::creaDetalles() {
         boton(QString(), QStringLiteral("Quitar del Carrito"), "BotonBorrarDetalle", "peligro", p);
     connect(quitar, &QPushButton::clicked, this, &TPuntoVentaF::BotonBorrarRenglonClick);
 
+    auto* abierta = new QHBoxLayout;
+    abierta->addWidget(cantidadAbierta_, 1);
+    abierta->addWidget(esDinero_);
     auto* forma = new QFormLayout;
     forma->addRow(QStringLiteral("Cantidad"), cantidad_);
+    forma->addRow(QStringLiteral("Cantidad abierta"), abierta);
     forma->addRow(QStringLiteral("Descuento %"), descuento_);
     forma->addRow(QStringLiteral("Nota"), nota_);
     forma->addRow(QString(), quitar);
+
+    auto* flechas = new QHBoxLayout;
+    flechas->addWidget(fotoAnterior_);
+    flechas->addWidget(etiquetaFoto_, 1);
+    flechas->addWidget(fotoSiguiente_);
+    auto* foto = new QVBoxLayout;
+    foto->addWidget(imagen_);
+    foto->addLayout(flechas);
+    foto->addStretch(1);
+
     auto* capa = new QGridLayout(p);
-    capa->addWidget(datosGenerales_, 0, 0, 1, 2);
-    capa->addWidget(tablaPrecios_, 1, 0);
-    capa->addLayout(forma, 1, 1);
-    capa->setColumnStretch(0, 1);
-    capa->setColumnStretch(1, 1);
+    capa->addLayout(foto, 0, 0, 2, 1);
+    capa->addWidget(datosGenerales_, 0, 1, 1, 2);
+    capa->addWidget(tablaPrecios_, 1, 1, Qt::AlignTop);
+    capa->addLayout(forma, 1, 2, Qt::AlignTop);
+    capa->setColumnStretch(1, 2);
+    capa->setColumnStretch(2, 3);
     capa->setRowStretch(1, 1);
     return p;
 }
@@ -504,9 +582,13 @@ QWidget* TPuntoVentaF::creaFinalizar() {
     derecha->addRow(QStringLiteral("¿Es papel continuo?"), papelContinuo_);
     derecha->addRow(QStringLiteral("Copias"), copias_);
 
+    // En una pantalla alta los campos se quedan juntos arriba.
+    auto* columnaDerecha = new QVBoxLayout;
+    columnaDerecha->addLayout(derecha);
+    columnaDerecha->addStretch(1);
     auto* capa = new QHBoxLayout(p);
     capa->addLayout(izquierda, 3);
-    capa->addLayout(derecha, 2);
+    capa->addLayout(columnaDerecha, 2);
     return p;
 }
 
@@ -537,6 +619,8 @@ QFrame* TPuntoVentaF::creaMenuLateral() {
          &TPuntoVentaF::BotonDescuentoGlobalClick, true},
         {"Caja Chica (F8)", "BotonCajaChica", nullptr, &TPuntoVentaF::BotonCajaChicaClick,
          RegistroModulos::busca(QStringLiteral("CajaChica")) != nullptr},
+        {"Cobrar Comanda", "BotonCobrarComanda", nullptr, &TPuntoVentaF::BotonCobrarComandaClick,
+         fabricaSelectorComandas() && sesion_.controlRestaurantes},
     };
     for (const Opcion& o : opciones) {
         auto* b = boton(QString(), QString::fromUtf8(o.titulo), o.nombre, o.estilo, menuLateral_);
@@ -693,8 +777,23 @@ void TPuntoVentaF::leeCliente(int64_t id) {
     cliente_.diasCredito = static_cast<int>(q.campo(QStringLiteral("diasCredito")).comoEntero());
     cliente_.email = q.campo(QStringLiteral("Email")).comoTexto();
     etiquetaCliente_->setText(cliente_.nombre);
+    llenaCorreos();
+}
+
+// El correo del cliente, ya escrito; el cajero puede teclear otro para esta venta.
+void TPuntoVentaF::llenaCorreos() {
     email_->clear();
     if (!cliente_.email.isEmpty()) email_->addItem(cliente_.email);
+    email_->setCurrentIndex(cliente_.email.isEmpty() ? -1 : 0);
+    email_->lineEdit()->setCursorPosition(0); // un correo largo se lee desde su inicio
+}
+
+bool TPuntoVentaF::revisaCorreo() {
+    const QString correo = email_->currentText().trimmed();
+    if (correo.isEmpty() || correoValido(correo)) return true;
+    error(texto(MensajeCorreoInvalido));
+    email_->setFocus();
+    return false;
 }
 
 int TPuntoVentaF::renglonActual() const {
@@ -927,10 +1026,69 @@ void TPuntoVentaF::BotonDetallesClick() {
     if (fila < 0 || paginador_->currentIndex() != PCarrito) return;
     Sonidos::reproduce(Sonido::Click);
     detalle_ = fila;
+    fotos_.clear();
+    foto_ = 0;
     muestraDetalles();
+    muestraFoto();
     muestraPestana(PDetalles);
     cantidad_->setFocus();
     cantidad_->selectAll();
+    ejecutaConLeyenda(this, QStringLiteral("Cargando Información"),
+                      [this] { CargaDetallesProductoTimer(); });
+}
+
+void TPuntoVentaF::CargaDetallesProductoTimer() {
+    if (detalle_ < 0 || detalle_ >= static_cast<int>(venta_.RemisionDetalles().size())) return;
+    try {
+        Consulta q(ModuloDeDatos.ConexionBD, texto(SqlFotosProducto));
+        q.parametro(QStringLiteral("EmpresaID")).entero(sesion_.EmpresaID);
+        q.parametro(QStringLiteral("ProductoID"))
+            .entero(venta_.RemisionDetalles()[static_cast<size_t>(detalle_)].ID);
+        q.abre();
+        fotos_.clear();
+        for (const Registro r : q) {
+            // Una foto que no se puede leer no deja un hueco entre las demás.
+            QImage foto;
+            if (foto.loadFromData(r.campo(QStringLiteral("Foto")).comoBlob()))
+                fotos_.push_back(std::move(foto));
+        }
+    } catch (const std::exception& e) {
+        errorLectura(e, "fotos");
+    }
+    foto_ = 0;
+    muestraFoto();
+}
+
+void TPuntoVentaF::muestraFoto() {
+    const bool varias = fotos_.size() > 1;
+    fotoAnterior_->setEnabled(varias);
+    fotoSiguiente_->setEnabled(varias);
+    if (fotos_.empty()) {
+        imagen_->setPixmap(imagen(QStringLiteral("Foto"), QSize(128, 128)));
+        etiquetaFoto_->setText(QStringLiteral("Sin foto"));
+        return;
+    }
+    const QSize espacio = imagen_->contentsRect().size();
+    imagen_->setPixmap(QPixmap::fromImage(
+        fotos_[foto_].scaled(espacio, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    etiquetaFoto_->setText(QStringLiteral("Foto %1/%2").arg(foto_ + 1).arg(fotos_.size()));
+}
+
+// De la última se pasa a la primera y al revés.
+void TPuntoVentaF::cambiaFoto(int paso) {
+    if (fotos_.size() < 2) return;
+    const auto n = static_cast<int>(fotos_.size());
+    foto_ = static_cast<size_t>((static_cast<int>(foto_) + paso + n) % n);
+    Sonidos::reproduce(Sonido::Deslizar);
+    muestraFoto();
+}
+
+void TPuntoVentaF::FotoAnteriorClick() {
+    cambiaFoto(-1);
+}
+
+void TPuntoVentaF::FotoSiguienteClick() {
+    cambiaFoto(1);
 }
 
 void TPuntoVentaF::muestraDetalles() {
@@ -960,6 +1118,7 @@ void TPuntoVentaF::muestraDetalles() {
         tablaPrecios_->selectRow(r.PLista - 1);
     }
     cantidad_->setText(QLocale::c().toString(r.Cantidad, 'f', decimalesCantidad_));
+    muestraCantidadAbierta();
     descuento_->setText(QLocale::c().toString(r.Descuento, 'f', 2));
     descuento_->setEnabled(sesion_.puedeVentas(QStringLiteral("descuento")));
     const QSignalBlocker b(nota_);
@@ -976,6 +1135,53 @@ void TPuntoVentaF::CantidadChange() {
         if (auto rechazo = venta_.cambiaCantidad(f, cantidad)) error(*rechazo);
     } catch (const std::exception& e) {
         errorLectura(e, "rangos");
+    }
+    actualizaCarrito(detalle_);
+    muestraDetalles();
+}
+
+// La cantidad del renglón o, con "Es dinero", lo que se paga por él.
+void TPuntoVentaF::muestraCantidadAbierta() {
+    if (detalle_ < 0 || detalle_ >= static_cast<int>(venta_.RemisionDetalles().size())) return;
+    const RenglonVenta& r = venta_.RemisionDetalles()[static_cast<size_t>(detalle_)];
+    const QSignalBlocker b(cantidadAbierta_);
+    cantidadAbierta_->setText(
+        esDinero_->isChecked()
+            ? QLocale::c().toString(Redondea(precioUnitarioAPagar(venta_, r) * r.Cantidad, 2), 'f',
+                                    2)
+            : QLocale::c().toString(r.Cantidad, 'f', decimalesCantidad_));
+}
+
+void TPuntoVentaF::EsDineroClick() {
+    muestraCantidadAbierta();
+    cantidadAbierta_->setFocus();
+    cantidadAbierta_->selectAll();
+}
+
+void TPuntoVentaF::CantidadAbiertaChange() {
+    if (detalle_ < 0 || paginador_->currentIndex() != PDetalles) return;
+    const size_t f = static_cast<size_t>(detalle_);
+    bool ok = false;
+    const double valor = numero(cantidadAbierta_->text(), &ok);
+    if (!ok) return;
+    double cantidad = valor;
+    if (esDinero_->isChecked()) {
+        const double unitario = precioUnitarioAPagar(venta_, venta_.RemisionDetalles()[f]);
+        if (unitario <= 0) {
+            error(texto(MensajePrecioCero));
+            return;
+        }
+        // Ya es lo que paga: no se vuelve a calcular (ni a redondear la cantidad).
+        if (Redondea(unitario * venta_.RemisionDetalles()[f].Cantidad, 2) == Redondea(valor, 2))
+            return;
+        cantidad = valor / unitario;
+    } else if (cantidad == venta_.RemisionDetalles()[f].Cantidad) {
+        return;
+    }
+    // Rechazada, lo tecleado se queda en el campo para corregirlo.
+    if (auto rechazo = venta_.cambiaCantidadAbierta(f, cantidad)) {
+        error(*rechazo);
+        return;
     }
     actualizaCarrito(detalle_);
     muestraDetalles();
@@ -1092,7 +1298,10 @@ void TPuntoVentaF::ReiniciarVentasTimer() {
     observaciones_->clear();
     plazoPago_->setText(QStringLiteral("0"));
     try {
-        if (cliente_.id != clienteDefault_ || cliente_.id == 0) leeCliente(clienteDefault_);
+        if (cliente_.id != clienteDefault_ || cliente_.id == 0)
+            leeCliente(clienteDefault_);
+        else
+            llenaCorreos(); // lo tecleado para la venta anterior no pasa a la siguiente
     } catch (const std::exception& e) {
         errorLectura(e, "cliente");
     }
@@ -1151,6 +1360,32 @@ void TPuntoVentaF::BotonCajaChicaClick() {
     } catch (const std::exception& e) {
         errorLectura(e, "caja chica");
     }
+}
+
+void registraSelectorComandas(FabricaSelectorComandas fabrica) {
+    fabricaSelectorComandas() = std::move(fabrica);
+}
+
+// Un solo selector por venta: la comanda elegida se carga en esta venta.
+void TPuntoVentaF::BotonCobrarComandaClick() {
+    if (!fabricaSelectorComandas() || !sesion_.controlRestaurantes) return;
+    if (selectorComandas_) {
+        error(texto(MensajeSelectorComandasAbierto));
+        selectorComandas_->raise();
+        selectorComandas_->activateWindow();
+        return;
+    }
+    Sonidos::reproduce(Sonido::Click);
+    try {
+        selectorComandas_ = fabricaSelectorComandas()(sesion_, *this);
+    } catch (const std::exception& e) {
+        errorLectura(e, "comandas");
+        return;
+    }
+    if (!selectorComandas_) return;
+    selectorComandas_->setWindowFlag(Qt::Window);
+    selectorComandas_->setAttribute(Qt::WA_DeleteOnClose);
+    selectorComandas_->show();
 }
 
 // --- Cierre --------------------------------------------------------------------------------
@@ -1317,8 +1552,11 @@ void TPuntoVentaF::GrupoBotonSiguienteClick() {
         importePago_->setFocus();
         return;
     }
-    if (!revisaCierre()) return;
-    const int opcion = mensajes_.eligeOpcion(texto(PreguntaTipoOperacion), kOperaciones);
+    if (!revisaCierre() || !revisaCorreo()) return;
+    // Llega marcada la misma que la vez anterior en esta estación.
+    const int opcion = mensajes_.eligeOpcion(
+        texto(PreguntaTipoOperacion), kOperaciones,
+        ajustes_.valor(QStringLiteral("IndiceFinalizarTransaccion"), 0).toInt());
     if (opcion < 0) return;
     const auto operacion = static_cast<TipoOperacion>(opcion);
     guardaAjustes(operacion);
@@ -1339,6 +1577,14 @@ void TPuntoVentaF::guardaAjustes(TipoOperacion operacion) {
 }
 
 void TPuntoVentaF::AlmacenaDatosTimer(TipoOperacion operacion) {
+    // Lo primero: una estación no autorizada no guarda nada. Un lote pendiente (sin respuesta) ya
+    // pasó la revisión antes de mandarse y se reintenta tal cual.
+    if (!registro_.pendiente()) {
+        if (const QString rechazo = rechazoDispositivo(sesion_.DispositivoID); !rechazo.isEmpty()) {
+            error(rechazo);
+            return;
+        }
+    }
     // Un reintento manda el mismo lote con la misma clave: el servicio no la guarda dos veces.
     ResultadoRegistro r;
     try {

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
+#include <QImage>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -13,6 +16,7 @@
 #include "sales/DocumentoVenta.h"
 #include "sales/RegistroVenta.h"
 
+class QCheckBox;
 class QCloseEvent;
 class QComboBox;
 class QFrame;
@@ -84,6 +88,10 @@ private slots:
     void BotonDetallesClick();
     void BotonBorrarRenglonClick();
     void CantidadChange();
+    void CantidadAbiertaChange();
+    void EsDineroClick();
+    void FotoAnteriorClick();
+    void FotoSiguienteClick();
     void DescuentoChange();
     void NotaProductoDetalleChange();
     void TablaPreciosClick(int fila);
@@ -93,6 +101,7 @@ private slots:
     void BotonSeleccionaClienteClick();
     void BotonDescuentoGlobalClick();
     void BotonCajaChicaClick();
+    void BotonCobrarComandaClick();
     void BotonVentaEnEsperaClick();
     void ListaFormaPagoChange();
     void ImportePagoChange();
@@ -125,6 +134,7 @@ private:
     void CargaProductosTimer(const QString& texto);
     void AgregaProductoTimer(const QString& clave, double cantidad);
     void BorrarRenglonTimer(int fila);
+    void CargaDetallesProductoTimer();
     void DevuelveSeleccionClientesTimer(int64_t cliente);
     void AlmacenaDatosTimer(TipoOperacion operacion);
     void ReiniciarVentasTimer();
@@ -142,6 +152,11 @@ private:
     int filaMonedero() const;
     void muestraPestana(Pestana pestana);
     void muestraDetalles();
+    void muestraCantidadAbierta();
+    void muestraFoto();
+    void cambiaFoto(int paso);
+    void llenaCorreos();
+    bool revisaCorreo();
     void actualizaCarrito(int seleccion = -1);
     void actualizaTotales();
     void llenaFormasPago();
@@ -167,7 +182,11 @@ private:
     // El último texto leído y la fila que produjo, para sumar una segunda lectura igual.
     QString ultimaLectura_;
     int filaUltimaLectura_ = -1;
-    int detalle_ = -1; // renglón en la pestaña de detalles
+    int detalle_ = -1;                   // renglón en la pestaña de detalles
+    QPointer<QWidget> selectorComandas_; // abierto desde "Cobrar Comanda"
+    // Las fotos del producto del renglón en detalles, por su Posicion, y la que se ve.
+    std::vector<QImage> fotos_;
+    size_t foto_ = 0;
 
     struct ProductoConsulta {
         QString clave;
@@ -191,7 +210,13 @@ private:
     QLabel* registros_;             // "EtiquetaRegistros"
     QLabel* datosGenerales_;        // "DatosGeneralesProducto"
     QTableWidget* tablaPrecios_;    // "TablaPrecios"
+    QLabel* imagen_;                // "ImagenProducto"
+    QLabel* etiquetaFoto_;          // "EtiquetaFoto"
+    QPushButton* fotoAnterior_;     // "BotonFotoAnterior"
+    QPushButton* fotoSiguiente_;    // "BotonFotoSiguiente"
     QLineEdit* cantidad_;           // "Cantidad"
+    QLineEdit* cantidadAbierta_;    // "CantidadAbierta"
+    QCheckBox* esDinero_;           // "EsDinero"
     QLineEdit* descuento_;          // "Descuento"
     QLineEdit* nota_;               // "NotaProductoDetalle"
     QTableWidget* resumen_;         // "TablaFinalizarTransaccion"
@@ -212,5 +237,14 @@ private:
     QPushButton* siguiente_;        // "GrupoBotonSiguiente"
     QPushButton* anterior_;         // "GrupoBotonAnterior"
 };
+
+inline constexpr const char* MensajeSelectorComandasAbierto =
+    "Debe cerrar la ventana de Consulta de Comandas";
+
+// El selector de comandas por cobrar es del restaurante, que ventas no conoce: el restaurante
+// registra aquí cómo crearlo para una venta. Sin registro, o en una empresa sin control de
+// restaurantes, el menú lateral no ofrece "Cobrar Comanda".
+using FabricaSelectorComandas = std::function<QWidget*(const Sesion&, TPuntoVentaF& venta)>;
+void registraSelectorComandas(FabricaSelectorComandas fabrica);
 
 } // namespace cajaplex

@@ -14,6 +14,7 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QScreen>
 #include <QTemporaryFile>
 #include <QTest>
@@ -179,6 +180,28 @@ TEST_F(MensajesVisibles, LaLeyendaSeOcultaMientrasHayMensajeYVuelveSiSigueElTrab
     EXPECT_EQ(conLeyenda, 0);
     EXPECT_TRUE(leyendaAlSeguir);
     EXPECT_TRUE(leyenda()->isHidden()); // terminado el trabajo ya no vuelve
+}
+
+TEST_F(MensajesVisibles, LaEleccionLlegaConLaOpcionRecordadaMarcadaYEnterLaAcepta) {
+    muestraVentanaEn(QGuiApplication::screens().first());
+    const QStringList opciones{QStringLiteral("Almacenar y Enviar Impresión"),
+                               QStringLiteral("Almacenar y Visualizar PDF"),
+                               QStringLiteral("Almacenar Únicamente")};
+    QStringList marcadas;
+    Mensajes::revisaDialogos([&](QDialog& d) {
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&d));
+        for (auto* opcion : d.findChildren<QRadioButton*>())
+            if (opcion->isChecked()) marcadas << opcion->text();
+        // Enter sin tocar nada: acepta la que ya venía marcada.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    });
+    const Mensajes mensajes(&ventana_);
+    const QString titulo = QStringLiteral("Seleccione el Tipo de Operación");
+    EXPECT_EQ(mensajes.eligeOpcion(titulo, opciones, 2), 2);
+    EXPECT_EQ(mensajes.eligeOpcion(titulo, opciones), 0);
+    // Un índice que ya no existe (un ajuste viejo) marca la primera.
+    EXPECT_EQ(mensajes.eligeOpcion(titulo, opciones, 7), 0);
+    EXPECT_EQ(marcadas, (QStringList{opciones[2], opciones[0], opciones[0]}));
 }
 
 } // namespace
