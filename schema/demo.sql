@@ -77,6 +77,7 @@ INSERT INTO PermisosSistema (perfilID, menú, acceso) VALUES
     (1, 'Incremento de Precios', 1),
     (1, 'Valor de Inventario', 1),
     (1, 'Compras', 1),
+    (1, 'Documentos de Compra', 1),
     (1, 'Proveedores', 1),
     (1, 'Cuentas por Cobrar', 1),
     (1, 'Cuentas por Pagar', 1),
@@ -203,6 +204,10 @@ INSERT INTO Proveedores (id, empresaID, codigoAlterno, nombre, razonSocial, rfc,
     (11, 2, 'P0001', 'Carnes Selectas de Puebla', 'Carnes Selectas de Puebla, S.A. de C.V.', 'CSP090315R42', 'Av. 18 Poniente', '908', 'San Miguel', '72000', 'Puebla', 'Puebla', 21, 'MÉXICO', '222 242 1177', 'ventas@carnesselectas.mx', 'Joaquín Flores', 1, 40000.00, 1),
     (12, 2, 'P0002', 'Distribuidora de Bebidas Angelópolis', 'Distribuidora de Bebidas Angelópolis, S.A. de C.V.', 'DBA110829LK7', 'Calle 11 Sur', '4501', 'Gabriel Pastor', '72420', 'Puebla', 'Puebla', 21, 'MÉXICO', '222 237 6650', 'pedidos@bebidasangelopolis.mx', 'Mónica Reyes', 0, 35000.00, 1),
     (13, 2, 'P0003', 'Abastos y Verduras La Central', 'Guillermo Pérez Castillo', 'PECG750905TT1', 'Central de Abasto Nave 3', '12', 'Central de Abasto', '72019', 'Puebla', 'Puebla', 21, 'MÉXICO', '222 282 0390', 'lacentral.verduras@correo.mx', 'Guillermo Pérez', 1, 10000.00, 1);
+
+-- Días de crédito de los proveedores (los demás pagan de contado).
+UPDATE Proveedores SET diasCredito = 30 WHERE id IN (1, 11);
+UPDATE Proveedores SET diasCredito = 15 WHERE id IN (3, 13);
 
 -- ---------------------------------------------------------------------------------------------
 -- Líneas de producto (árbol por padre; la raíz lleva 0)
