@@ -25,6 +25,7 @@
 #include "restaurant/CatalogoAreasComida.h"
 #include "sales/DocumentoClonado.h"
 #include "sales/PuntoVenta.h"
+#include "sales/RegistroVenta.h"
 
 namespace cajaplex {
 namespace {
@@ -255,7 +256,8 @@ void TComandasPagarF::CargaComandaDetallesTimer(const ComandaPorPagar& comanda) 
         porPagar.parametro(QStringLiteral("IDComanda")).entero(comanda.comanda);
         porPagar.abre();
         if (porPagar.campo(QStringLiteral("porPagar")).comoEntero() == 0) {
-            error(QString::fromUtf8(MensajeComandaYaNoPorPagar) + QString::number(comanda.folio));
+            error(QString::fromUtf8(MensajeComandaNoPorCobrar) + QStringLiteral(": ") +
+                  QString::number(comanda.folio));
             CargaComandasTimer();
             return;
         }

@@ -21,8 +21,6 @@ namespace cajaplex {
 class TPuntoVentaF;
 
 inline constexpr const char* MensajeSinComandasPorPagar = "No hay Comandas por Pagar";
-inline constexpr const char* MensajeComandaYaNoPorPagar =
-    "La Comanda ya no está por cobrar (se cobró, se canceló o se reabrió en otra estación): ";
 
 // Una cuenta cerrada que espera su cobro, con el nodo que ocupa.
 struct ComandaPorPagar {

@@ -341,9 +341,10 @@ ResultadoRegistro RegistroVenta::registra() {
     } catch (const ErrorServicio& e) {
         r.sinRespuesta = e.esDeConexion() || e.codigo() == CodigoIncierto;
         if (!r.sinRespuesta) lote_.reset();
-        r.mensaje = e.mensaje().contains(texto(MensajeSaldoMonedero))
-                        ? texto(MensajeSaldoMonedero)
-                        : texto(MensajeErrorRegistro) + QLatin1Char('\n') + e.mensaje();
+        // Los rechazos propios de la base se dicen tal cual; cualquier otro, con su causa.
+        r.mensaje = texto(MensajeErrorRegistro) + QLatin1Char('\n') + e.mensaje();
+        for (const char* propio : {MensajeSaldoMonedero, MensajeComandaNoPorCobrar})
+            if (e.mensaje().contains(texto(propio))) r.mensaje = texto(propio);
     }
     return r;
 }

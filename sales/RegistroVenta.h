@@ -18,6 +18,9 @@ class DocumentoVenta;
 inline constexpr const char* ModuloRemisiones = "Ventas -> Remisiones";
 inline constexpr const char* ModuloPagosRemision = "CxC -> Pagos Remisión";
 inline constexpr const char* MensajeSaldoMonedero = "Saldo insuficiente en Monedero Electrónico";
+// El rechazo de la base cuando la comanda cargada ya no está por cobrar al registrar la venta.
+inline constexpr const char* MensajeComandaNoPorCobrar =
+    "La Comanda ya no está por cobrar (se cobró, se canceló o se reabrió en otra estación)";
 // Forma de pago que gasta el monedero del cliente (se busca dentro de la descripción).
 inline constexpr const char* FormaPagoMonedero = "MONEDERO ELECTRONICO";
 

@@ -24,6 +24,7 @@
 #include "restaurant/ModulosRestaurante.h"
 #include "sales/DocumentoClonado.h"
 #include "sales/PuntoVenta.h"
+#include "sales/RegistroVenta.h"
 #include "tests/restaurant/PruebaRestaurante.h"
 
 namespace cajaplex {
@@ -218,8 +219,8 @@ TEST_F(ComandasPagarTest, FiltroYCuentaCobradaEnOtraEstacionEntreListarYElegir) 
             std::to_string(mesa3));
     tocaRenglon(*selector, "ListaComandasPagar", TComandasPagarF::RolComanda,
                 QString::number(mesa3));
-    EXPECT_EQ(Mensajes::ultimos(),
-              QStringList{QString::fromUtf8(MensajeComandaYaNoPorPagar) + QString::number(mesa3)});
+    EXPECT_EQ(Mensajes::ultimos(), QStringList{QString::fromUtf8(MensajeComandaNoPorCobrar) +
+                                               QStringLiteral(": ") + QString::number(mesa3)});
     EXPECT_TRUE(pv->venta().RemisionDetalles().empty());
     ASSERT_EQ(pv->findChild<TComandasPagarF*>(), selector);
     EXPECT_EQ(renglones(*selector, "ListaComandasPagar", RolPrimeraLinea),

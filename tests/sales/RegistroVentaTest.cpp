@@ -184,6 +184,21 @@ TEST_F(RegistroVentaTest, MarcaLaComandaPagadaYLaCotizacionRemisionada) {
     EXPECT_EQ(fila("Select remision, fechaPago is not null From Comanda"), Json({1, 1}));
     EXPECT_EQ(fila("Select status From NodosComida"), Json({0}));
     EXPECT_EQ(fila("Select Remision From Cotizacion"), Json({2}));
+
+    // La misma comanda otra vez (ya cobrada), una cancelada y una reabierta: la venta entera se
+    // rechaza y nada queda guardado.
+    c.exige("Insert Into Comanda (id, empresaID, folio, nodoComida, fechaCierre, cancelada) "
+            "Values (6, 1, 6, 7, datetime('now'), 1), (8, 1, 8, 7, null, 0)");
+    const auto remisiones = c.cuenta("Remision");
+    for (int comanda : {5, 6, 8}) {
+        cierre.origen = {OrigenVenta::Tipo::Comanda, comanda, 0};
+        const auto r = registro.registra(v, cierre);
+        EXPECT_FALSE(r.registrada) << comanda;
+        EXPECT_TRUE(r.mensaje.startsWith(QStringLiteral("La Comanda ya no está por cobrar")))
+            << r.mensaje.toStdString();
+    }
+    EXPECT_EQ(c.cuenta("Remision"), remisiones);
+    EXPECT_EQ(fila("Select remision From Comanda Where id = 5"), Json({1}));
 }
 
 // Un disparador de prueba por tabla que la venta escribe: cuenta las escrituras y aborta la
