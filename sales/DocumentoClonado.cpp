@@ -34,7 +34,8 @@ namespace {
 const char* const SqlComanda =
     "Select " CAMPOS_PRODUCTO ", B.cantidad, ifnull(B.descuento, 0) as descuento, "
     "cast(ifnull(B.nota, '') as text) as nota, 0 as pLista, 0 as precioDocumento, A.id as origen, "
-    "0 as cliente, ifnull(A.observaciones, '') as ObservacionesDocumentoClonado, "
+    "0 as cliente, ifnull(A.vendedor, 0) as vendedor, "
+    "ifnull(A.observaciones, '') as ObservacionesDocumentoClonado, "
     "Cast ((JulianDay(Ifnull(A.fechaCierre, datetime('now','localtime'))) - "
     "JulianDay(A.fechaApertura)) * 24 * 60 As Integer) as MinutosTranscurridos "
     "From Comanda A Join ComandaDetalle B On B.empresaID = A.empresaID And B.id = A.id "
@@ -47,7 +48,7 @@ const char* const SqlCotizacion =
     "Select " CAMPOS_PRODUCTO ", B.cantidad, ifnull(B.descuento, 0) as descuento, "
     "cast(ifnull(B.nota, '') as text) as nota, ifnull(B.pLista, 0) as pLista, ifnull(B.precio, 0) "
     "as "
-    "precioDocumento, A.folio as origen, ifnull(A.cliente, 0) as cliente, "
+    "precioDocumento, A.folio as origen, ifnull(A.cliente, 0) as cliente, 0 as vendedor, "
     "ifnull(A.observaciones, '') as ObservacionesDocumentoClonado "
     "From Cotizacion A Join CotizacionDetalle B On B.empresaID = A.empresaID And B.id = A.ID "
     "And B.cotizacion = A.folio " UNIONES_PRODUCTO
@@ -89,6 +90,7 @@ DocumentoClonado cargaDocumentoClonar(ConexionDatos& conexion, const Sesion& ses
         r.PrecioElegido = cotizado;
         d.observaciones = c("ObservacionesDocumentoClonado").comoTexto();
         d.cliente = c("cliente").comoEntero();
+        d.vendedor = c("vendedor").comoEntero();
         if (esComanda) {
             d.origen.tipo = OrigenVenta::Tipo::Comanda;
             d.origen.comandaID = c("origen").comoEntero();

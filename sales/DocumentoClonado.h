@@ -30,7 +30,8 @@ struct DocumentoClonado {
     std::vector<RenglonVenta> renglones;
     QString observaciones;
     OrigenVenta origen;
-    int64_t cliente = 0; // 0: el documento no lo dice
+    int64_t cliente = 0;  // 0: el documento no lo dice
+    int64_t vendedor = 0; // de una comanda, su mesero: el vendedor de la venta
     // De una comanda: lo que estuvo ocupado el nodo, de la apertura al cierre de la cuenta.
     int minutosTranscurridos = 0;
 };

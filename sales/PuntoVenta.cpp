@@ -732,8 +732,7 @@ void TPuntoVentaF::TemporizadorInicialTimer() {
             vendedores_->addItem(u.campo(QStringLiteral("nombre")).comoTexto(),
                                  QVariant(static_cast<qlonglong>(
                                      u.campo(QStringLiteral("usuarioID")).comoEntero())));
-        vendedores_->setCurrentIndex(
-            vendedores_->findData(QVariant(static_cast<qlonglong>(sesion_.UsuarioID))));
+        eligeVendedor(sesion_.UsuarioID);
         vendedores_->setEnabled(cambiaVendedor_);
 
         const AjustesImpresion impresion =
@@ -932,6 +931,8 @@ void TPuntoVentaF::CargaDocumentoClonar(int64_t documento, const QString& tipo, 
             venta_.agregaRenglon(std::move(r));
         observaciones_->setPlainText(d.observaciones);
         origen_ = d.origen;
+        // El vendedor es quien cobra, salvo en una comanda: su mesero.
+        if (d.vendedor > 0) eligeVendedor(d.vendedor);
         ultimaLectura_.clear();
         Sonidos::reproduce(Sonido::MostrarResultados);
     } catch (const std::exception& e) {
@@ -1286,9 +1287,18 @@ void TPuntoVentaF::BotonCancelarVentaClick() {
                       [this] { ReiniciarVentasTimer(); });
 }
 
+// Un usuario que no vende en la empresa deja al de la sesión.
+void TPuntoVentaF::eligeVendedor(int64_t usuario) {
+    int elegido = vendedores_->findData(QVariant(static_cast<qlonglong>(usuario)));
+    if (elegido < 0)
+        elegido = vendedores_->findData(QVariant(static_cast<qlonglong>(sesion_.UsuarioID)));
+    vendedores_->setCurrentIndex(elegido);
+}
+
 void TPuntoVentaF::ReiniciarVentasTimer() {
     venta_.limpia();
     origen_.reset();
+    eligeVendedor(sesion_.UsuarioID);
     ultimaLectura_.clear();
     detalle_ = -1;
     for (FormaPago& f : formasPago_)

@@ -137,6 +137,7 @@ private:
     void CargaDetallesProductoTimer();
     void DevuelveSeleccionClientesTimer(int64_t cliente);
     void AlmacenaDatosTimer(TipoOperacion operacion);
+    void eligeVendedor(int64_t usuario);
     void ReiniciarVentasTimer();
     void CrearPuntoVentaTimer();
 

@@ -185,6 +185,11 @@ TEST_F(ComandasPagarTest, DeLaMesaDelMeseroALaCaja) {
                     "N.status From Comanda C, Remision R, NodosComida N Where R.empresaID = 2 "
                     "and N.id = 3"),
               "1|1|0");
+    // El vendedor de la venta es el mesero que atendió, no quien cobra.
+    EXPECT_EQ(valor("Select (R.vendedor = C.vendedor) || '|' || (R.vendedor <> R.usuarioID) "
+                    "From Comanda C Join Remision R On R.empresaID = C.empresaID "
+                    "And R.folio = C.remision"),
+              "1|1");
     EXPECT_EQ(valor("Select group_concat(producto) From (Select producto From RemisionDetalle "
                     "Where empresaID = 2 Order By posicion)"),
               "101,102,133");
