@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <QFile>
-#include <QRegularExpression>
 
 #include <xlsxwriter.h>
 
@@ -409,8 +408,7 @@ ImportacionCatalogo::Preparado ImportacionCatalogo::prepara(const RenglonHoja& r
             break;
         case Dato::Rfc: {
             // Como lo guarda el catálogo: en mayúsculas, sin espacios ni guiones.
-            QString rfc = t.toUpper();
-            rfc.remove(QRegularExpression(QStringLiteral("[\\s-]")));
+            const QString rfc = rfcNormalizado(t);
             if (rfc.size() > LargoRfc)
                 rechaza(
                     QStringLiteral("%1 pasa de %2 caracteres: %3").arg(hoja).arg(LargoRfc).arg(t));

@@ -8,7 +8,9 @@
 #include <stdexcept>
 #include <string>
 
+#include <QDate>
 #include <QLocale>
+#include <QRegularExpression>
 
 namespace cajaplex {
 
@@ -59,6 +61,22 @@ double Redondea(double valor, int decimales) {
     const double absoluto = std::strtod(resultado.c_str(), nullptr);
     if (absoluto == 0.0) return 0.0;
     return valor < 0 ? -absoluto : absoluto;
+}
+
+QString rfcNormalizado(const QString& rfc) {
+    QString r = rfc.toUpper();
+    r.remove(QRegularExpression(QStringLiteral("[\\s-]")));
+    return r;
+}
+
+bool rfcValido(const QString& rfc) {
+    static const QRegularExpression forma(
+        QStringLiteral("^([A-ZÑ&]{3,4})([0-9]{2})([0-9]{2})([0-9]{2})([A-Z0-9]{3})$"));
+    const QRegularExpressionMatch m = forma.match(rfcNormalizado(rfc));
+    if (!m.hasMatch()) return false;
+    // El siglo no viene en el RFC; cualquiera de los dos da una fecha válida o ninguno.
+    return QDate(2000 + m.captured(2).toInt(), m.captured(3).toInt(), m.captured(4).toInt())
+        .isValid();
 }
 
 } // namespace cajaplex

@@ -19,4 +19,10 @@ QString numeroSql(double valor);
 // representación decimal más corta del double, para que 1.005 (1.00499999... en binario) dé 1.01.
 double Redondea(double valor, int decimales);
 
+// Un RFC con la forma del SAT: 3 (moral) ó 4 (física) letras, fecha AAMMDD válida y homoclave de
+// 3 caracteres. Ignora espacios y guiones y no distingue mayúsculas.
+bool rfcValido(const QString& rfc);
+// El RFC como se guarda: sin espacios ni guiones, en mayúsculas.
+QString rfcNormalizado(const QString& rfc);
+
 } // namespace cajaplex

@@ -343,6 +343,10 @@ void TComandasF::error(const QString& mensaje) {
 
 void TComandasF::muestraPagina(int pagina) {
     paginas_->setCurrentIndex(pagina);
+    // En el plano, "Regresar" y el título son los del marco de la aplicación; en las páginas del
+    // nodo, los propios llevan de vuelta al plano.
+    anterior_->setVisible(pagina != PaginaPlano);
+    titulo_->setVisible(pagina != PaginaPlano);
     recargar_->setVisible(pagina == PaginaPlano);
     cancelarComanda_->setVisible(pagina == PaginaPlano);
     if (pagina == PaginaPlano)

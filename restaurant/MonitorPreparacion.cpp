@@ -86,14 +86,10 @@ TMonitorPreparacionF::TMonitorPreparacionF(const Sesion& sesion, QWidget* padre)
                 QString::fromLatin1(kAjusteColumnas));
     areaID_ = estacion_.valor(QString::fromLatin1(kAjusteArea), 0).toLongLong();
 
-    // Barra de título: regresar, título y aviso de modo, pendientes, hora, recargar y pantalla
-    // completa.
+    // Barra: aviso de modo, pendientes, hora, recargar y pantalla completa. "Regresar" y el
+    // título los pone el marco de la aplicación, que sigue visible en pantalla completa.
     auto* barra = new QFrame(this);
     ponEstilo(barra, "barra");
-    auto* anterior = creaBoton(QStringLiteral("Regresar"), QStringLiteral("Regresar"),
-                               QStringLiteral("BotonAnterior"), nullptr, barra);
-    auto* titulo =
-        creaEtiqueta(QString::fromUtf8(kTitulo), QStringLiteral("Titulo"), "titulo", barra);
     modo_ = creaEtiqueta({}, QStringLiteral("ModoActualizacion"), "subtitulo", barra);
     modo_->setAccessibleName(QStringLiteral("Modo de Actualización"));
     pendientes_ =
@@ -108,17 +104,11 @@ TMonitorPreparacionF::TMonitorPreparacionF(const Sesion& sesion, QWidget* padre)
     completa_ = creaBoton(QStringLiteral("MonitorPreparacion"), QStringLiteral("Pantalla Completa"),
                           QStringLiteral("PantallaCompleta"), nullptr, barra);
     completa_->setToolTip(QStringLiteral("F11"));
-    connect(anterior, &QPushButton::clicked, this, &TMonitorPreparacionF::BotonAnteriorClick);
     connect(recargar, &QPushButton::clicked, this,
             &TMonitorPreparacionF::GrupoRecargarComandasClick);
     connect(completa_, &QPushButton::clicked, this, &TMonitorPreparacionF::PantallaCompletaClick);
     auto* capaBarra = new QHBoxLayout(barra);
-    auto* titulos = new QVBoxLayout;
-    titulos->setSpacing(0);
-    titulos->addWidget(titulo);
-    titulos->addWidget(modo_);
-    capaBarra->addWidget(anterior);
-    capaBarra->addLayout(titulos, 1);
+    capaBarra->addWidget(modo_, 1);
     capaBarra->addWidget(pendientes_);
     capaBarra->addSpacing(24);
     capaBarra->addWidget(hora_);
@@ -686,11 +676,6 @@ void TMonitorPreparacionF::resizeEvent(QResizeEvent* evento) {
     QWidget::resizeEvent(evento);
     // Tras el reacomodo del diseño, con el nuevo tamaño del área de tarjetas.
     QTimer::singleShot(0, this, [this] { acomodaTarjetas(); });
-}
-
-void TMonitorPreparacionF::BotonAnteriorClick() {
-    Sonidos::reproduce(Sonido::Regresar);
-    close();
 }
 
 void TMonitorPreparacionF::closeEvent(QCloseEvent* evento) {

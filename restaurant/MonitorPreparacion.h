@@ -58,7 +58,6 @@ private slots:
     void ComandasNuevasTimer();
     void BorrarComandaTimer();
     void PantallaCompletaClick();
-    void BotonAnteriorClick();
 
 private:
     // Lo que se ve de una tarjeta, para actualizarla sin volver a crearla.

@@ -1,6 +1,5 @@
 #include "sales/CatalogoClientes.h"
 
-#include <QDate>
 #include <QRegularExpression>
 
 #include "datos/Auditoria.h"
@@ -66,22 +65,6 @@ QString textoCliente(const DatosCliente& c) {
 }
 
 } // namespace
-
-QString rfcNormalizado(const QString& rfc) {
-    QString r = rfc.toUpper();
-    r.remove(QRegularExpression(QStringLiteral("[\\s-]")));
-    return r;
-}
-
-bool rfcValido(const QString& rfc) {
-    static const QRegularExpression forma(
-        QStringLiteral("^([A-ZÑ&]{3,4})([0-9]{2})([0-9]{2})([0-9]{2})([A-Z0-9]{3})$"));
-    const QRegularExpressionMatch m = forma.match(rfcNormalizado(rfc));
-    if (!m.hasMatch()) return false;
-    // El siglo no viene en el RFC; cualquiera de los dos da una fecha válida o ninguno.
-    return QDate(2000 + m.captured(2).toInt(), m.captured(3).toInt(), m.captured(4).toInt())
-        .isValid();
-}
 
 bool correoValido(const QString& correo) {
     static const QRegularExpression forma(QStringLiteral("^[^@\\s]+@[^@\\s]+\\.[^@\\s]+$"));

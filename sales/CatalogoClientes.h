@@ -7,6 +7,7 @@
 
 #include "datos/Consulta.h"
 #include "datos/Sesion.h"
+#include "datos/Utilerias.h"
 
 namespace cajaplex {
 
@@ -51,11 +52,6 @@ struct DatosCliente {
     double puntos = 0; // saldo del monedero: solo se muestra, lo mueven las ventas
 };
 
-// Un RFC con la forma del SAT: 3 (moral) ó 4 (física) letras, fecha AAMMDD válida y homoclave de
-// 3 caracteres. Ignora espacios y guiones y no distingue mayúsculas.
-bool rfcValido(const QString& rfc);
-// El RFC como se guarda: sin espacios ni guiones, en mayúsculas.
-QString rfcNormalizado(const QString& rfc);
 // Una sola dirección de correo con la forma nombre@dominio.ext (sin espacios).
 bool correoValido(const QString& correo);
 
