@@ -59,8 +59,8 @@ TDispositivosF::TDispositivosF(const Sesion& sesion, QWidget* padre)
     lista_ = creaVistaTabla(QStringLiteral("ListaDispositivos"), modelo_, kAltoRenglon, this);
     lista_->setAccessibleName(QStringLiteral("Estaciones Autorizadas"));
     lista_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    lista_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
-    lista_->horizontalHeader()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+    // Las otras columnas se ajustan a su contenido una vez por carga (ajustarlas en cada pintado
+    // consulta renglones que, al cerrarse la pantalla, ya no existen).
 
     pie_ = creaEtiqueta(QStringLiteral("Número de Registros: 0"), QStringLiteral("PieDispositivos"),
                         "pie", this);
@@ -100,6 +100,8 @@ void TDispositivosF::ConsultaDispositivosTimer() {
         return;
     }
     const int n = modelo_->reemplaza(dispositivos_, std::move(leidos));
+    lista_->resizeColumnToContents(1);
+    lista_->resizeColumnToContents(2);
     pie_->setText(QStringLiteral("Número de Registros: ") + QString::number(n));
 }
 
