@@ -378,8 +378,11 @@ void TMonitorPreparacionF::pintaRenglones(const TarjetaPreparacion& t, VistaTarj
         QWidget*& fila = v.renglones[r.posicion];
         if (!fila) {
             fila = new QWidget(v.marco);
-            auto* capaFila = new QHBoxLayout(fila);
+            // El botón de ingredientes de un paquete va debajo del renglón, no a su lado: en una
+            // tarjeta angosta le quitaría el ancho al nombre y al estado.
+            auto* capaFila = new QVBoxLayout(fila);
             capaFila->setContentsMargins(0, 0, 0, 0);
+            capaFila->setSpacing(4);
             auto* boton = new QPushButton(fila);
             boton->setObjectName(QStringLiteral("Renglon%1").arg(r.posicion));
             boton->setProperty("renglon", true);
@@ -398,16 +401,16 @@ void TMonitorPreparacionF::pintaRenglones(const TarjetaPreparacion& t, VistaTarj
             const int posicion = r.posicion;
             connect(boton, &QPushButton::clicked, this,
                     [this, clave, posicion] { RenglonClick(clave, posicion); });
-            capaFila->addWidget(boton, 1);
+            capaFila->addWidget(boton);
             if (r.esPaquete) {
-                auto* ingredientes = new QPushButton(QStringLiteral("Ver"), fila);
+                auto* ingredientes = new QPushButton(QStringLiteral("Ver Ingredientes"), fila);
                 ingredientes->setObjectName(QStringLiteral("MostrarIngredientes"));
                 ingredientes->setAccessibleName(QStringLiteral("Mostrar Ingredientes"));
                 ingredientes->setCheckable(true);
                 ingredientes->setMinimumSize(kAltoRenglon, kAltoRenglon);
                 connect(ingredientes, &QPushButton::clicked, this,
                         [this, clave, posicion] { MostrarIngredientesClick(clave, posicion); });
-                capaFila->addWidget(ingredientes);
+                capaFila->addWidget(ingredientes, 0, Qt::AlignRight);
             }
         }
         pintaRenglon(r, fila);
