@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QColor>
+#include <QDate>
+#include <QDateEdit>
 #include <QEvent>
 #include <QFile>
 #include <QFont>
@@ -198,6 +200,17 @@ QPushButton* creaBoton(const QString& imagen, const QString& texto, const QStrin
     b->setMinimumHeight(AltoControl);
     if (estilo) ponEstilo(b, estilo);
     return b;
+}
+
+QDateEdit* creaCampoFecha(const QString& nombre, const QString& accesible, QWidget* padre) {
+    auto* f = new QDateEdit(QDate::currentDate(), padre);
+    f->setObjectName(nombre);
+    f->setAccessibleName(accesible);
+    f->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
+    f->setCalendarPopup(true);
+    f->setMinimumHeight(AltoControl);
+    f->setMinimumWidth(170);
+    return f;
 }
 
 } // namespace cajaplex

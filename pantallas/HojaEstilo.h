@@ -10,6 +10,8 @@ class QLabel;
 class QPushButton;
 class QWidget;
 
+class QDateEdit;
+
 namespace cajaplex {
 
 // Color de acento del sistema.
@@ -36,6 +38,8 @@ inline constexpr int AltoControl = 48;
 // Una etiqueta de texto simple (nunca interpreta marcas) con su objectName y su estilo (o nullptr).
 QLabel* creaEtiqueta(const QString& texto, const QString& nombre, const char* estilo,
                      QWidget* padre);
+// Una fecha de filtro (hoy, dd/MM/yyyy, con calendario) de alto de control y ancho para leerla.
+QDateEdit* creaCampoFecha(const QString& nombre, const QString& accesible, QWidget* padre);
 // Un botón con imagen del proyecto, su objectName, su estilo (o nullptr) y el alto de control.
 QPushButton* creaBoton(const QString& imagen, const QString& texto, const QString& nombre,
                        const char* estilo, QWidget* padre);

@@ -1,5 +1,7 @@
 #include "pantallas/ModeloTabla.h"
 
+#include <QBrush>
+#include <QColor>
 #include <QFont>
 #include <QHeaderView>
 #include <QScroller>
@@ -50,6 +52,9 @@ QVariant ModeloTabla::data(const QModelIndex& indice, int rol) const {
             letra.setBold(true);
             return letra;
         }
+    case Qt::ForegroundRole:
+        if (cancelado_ && cancelado_(indice.row())) return QBrush(QColor(0xC0, 0x39, 0x2B));
+        return {};
     default:
         return {};
     }

@@ -53,8 +53,14 @@ public:
                         int rol = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& indice) const override;
 
+    // Los documentos cancelados se ven en rojo sin dejar de listarse.
+    void ponCancelado(std::function<bool(int fila)> cancelado) {
+        cancelado_ = std::move(cancelado);
+    }
+
 private:
     std::vector<Columna> columnas_;
+    std::function<bool(int fila)> cancelado_;
     int renglones_ = 0;
 };
 

@@ -3,8 +3,6 @@
 #include <exception>
 #include <iterator>
 
-#include <QBrush>
-#include <QColor>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFrame>
@@ -39,38 +37,9 @@ namespace {
 
 constexpr int kAltoRenglon = 40;
 const QString kTodos = QStringLiteral("TODOS LOS PROVEEDORES");
-const QColor kColorCancelado(0xC0, 0x39, 0x2B);
 
 const char* const SqlProveedores =
     "Select id, nombre From Proveedores Where empresaID = :EmpresaID Order by nombre";
-
-// Los cancelados se ven en rojo sin dejar de listarse.
-class ModeloCompras : public ModeloTabla {
-public:
-    ModeloCompras(std::vector<Columna> columnas, std::function<bool(int)> cancelado, QObject* padre)
-        : ModeloTabla(std::move(columnas), padre), cancelado_(std::move(cancelado)) {}
-
-    QVariant data(const QModelIndex& indice, int rol) const override {
-        if (rol == Qt::ForegroundRole && indice.isValid() && indice.row() < rowCount() &&
-            cancelado_(indice.row()))
-            return QBrush(kColorCancelado);
-        return ModeloTabla::data(indice, rol);
-    }
-
-private:
-    std::function<bool(int)> cancelado_;
-};
-
-QDateEdit* creaFecha(const QString& nombre, const QString& accesible, QWidget* padre) {
-    auto* f = new QDateEdit(QDate::currentDate(), padre);
-    f->setObjectName(nombre);
-    f->setAccessibleName(accesible);
-    f->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
-    f->setCalendarPopup(true);
-    f->setMinimumHeight(AltoControl);
-    f->setMinimumWidth(170);
-    return f;
-}
 
 // Lo que la lista dice de cada documento además de su total.
 QString estadoDe(TipoCompra tipo, const CompraListada& c) {
@@ -124,8 +93,8 @@ TComprasF::TComprasF(const Sesion& sesion, const QString& carpetaEstacion, QWidg
     for (int i = 0; i < 4; ++i)
         tipo_->addItem(QString::fromUtf8(datosTipo(static_cast<TipoCompra>(i)).plural));
     tipo_->setCurrentIndex(static_cast<int>(TipoCompra::Recepcion));
-    desde_ = creaFecha(QStringLiteral("DesdeCompras"), QStringLiteral("Desde"), filtros);
-    hasta_ = creaFecha(QStringLiteral("HastaCompras"), QStringLiteral("Hasta"), filtros);
+    desde_ = creaCampoFecha(QStringLiteral("DesdeCompras"), QStringLiteral("Desde"), filtros);
+    hasta_ = creaCampoFecha(QStringLiteral("HastaCompras"), QStringLiteral("Hasta"), filtros);
     proveedor_ = new QComboBox(filtros);
     proveedor_->setObjectName(QStringLiteral("ProveedorCompras"));
     proveedor_->addItem(kTodos, QVariant::fromValue<qint64>(0));
@@ -164,7 +133,7 @@ TComprasF::TComprasF(const Sesion& sesion, const QString& carpetaEstacion, QWidg
 
     // El modelo lee los documentos en su lugar.
     auto compra = [this](int f) -> const CompraListada& { return compras_[size_t(f)]; };
-    modelo_ = new ModeloCompras(
+    modelo_ = new ModeloTabla(
         {{QStringLiteral("Folio"), [compra](int f) { return QString::number(compra(f).folio); },
           [compra](int f) { return QVariant::fromValue<qint64>(compra(f).folio); }, Qt::AlignRight},
          {QStringLiteral("Fecha"), [compra](int f) { return fechaLista(compra(f).fecha); }},
@@ -176,7 +145,8 @@ TComprasF::TComprasF(const Sesion& sesion, const QString& carpetaEstacion, QWidg
          {QStringLiteral("Estado"),
           [this, compra](int f) { return estadoDe(leido_.tipo, compra(f)); },
           [compra](int f) { return compra(f).cancelada; }}},
-        [compra](int f) { return compra(f).cancelada; }, this);
+        this);
+    modelo_->ponCancelado([compra](int f) { return compra(f).cancelada; });
     tabla_ = creaVistaTabla(QStringLiteral("TablaCompras"), modelo_, kAltoRenglon, lista);
     tabla_->setAccessibleName(QStringLiteral("Lista de Documentos de Compra"));
     // Anchos fijos: medir el contenido recorrería todos los documentos del periodo.

@@ -4,8 +4,6 @@
 #include <iterator>
 #include <map>
 
-#include <QBrush>
-#include <QColor>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFrame>
@@ -35,34 +33,6 @@ namespace {
 
 constexpr int kAltoRenglon = 40;
 const QString kTodos = QStringLiteral("TODOS LOS CAJEROS");
-const QColor kColorCancelada(0xC0, 0x39, 0x2B);
-
-// Las canceladas se ven en rojo sin dejar de listarse.
-class ModeloVentas : public ModeloTabla {
-public:
-    ModeloVentas(std::vector<Columna> columnas, std::function<bool(int)> cancelada, QObject* padre)
-        : ModeloTabla(std::move(columnas), padre), cancelada_(std::move(cancelada)) {}
-
-    QVariant data(const QModelIndex& indice, int rol) const override {
-        if (rol == Qt::ForegroundRole && indice.isValid() && indice.row() < rowCount() &&
-            cancelada_(indice.row()))
-            return QBrush(kColorCancelada);
-        return ModeloTabla::data(indice, rol);
-    }
-
-private:
-    std::function<bool(int)> cancelada_;
-};
-
-QDateEdit* creaFecha(const QString& nombre, const QString& accesible, QWidget* padre) {
-    auto* f = new QDateEdit(QDate::currentDate(), padre);
-    f->setObjectName(nombre);
-    f->setAccessibleName(accesible);
-    f->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
-    f->setCalendarPopup(true);
-    f->setMinimumHeight(AltoControl);
-    return f;
-}
 
 } // namespace
 
@@ -81,8 +51,8 @@ TVentasF::TVentasF(const Sesion& sesion, const QString& carpetaEstacion, QWidget
 
     auto* filtros = new QFrame(lista);
     ponEstilo(filtros, "tarjeta");
-    desde_ = creaFecha(QStringLiteral("DesdeVentas"), QStringLiteral("Desde"), filtros);
-    hasta_ = creaFecha(QStringLiteral("HastaVentas"), QStringLiteral("Hasta"), filtros);
+    desde_ = creaCampoFecha(QStringLiteral("DesdeVentas"), QStringLiteral("Desde"), filtros);
+    hasta_ = creaCampoFecha(QStringLiteral("HastaVentas"), QStringLiteral("Hasta"), filtros);
     auto* buscar = creaBoton(QStringLiteral("Buscar"), QStringLiteral("Buscar"),
                              QStringLiteral("BotonBuscar"), nullptr, filtros);
     buscar->setAccessibleName(QStringLiteral("Buscar Ventas del Periodo"));
@@ -131,7 +101,7 @@ TVentasF::TVentasF(const Sesion& sesion, const QString& carpetaEstacion, QWidget
     auto venta = [this](int fila) -> const VentaLista& {
         return periodo_.ventas[static_cast<size_t>(visibles_[static_cast<size_t>(fila)])];
     };
-    modelo_ = new ModeloVentas(
+    modelo_ = new ModeloTabla(
         {{QStringLiteral("Folio"), [venta](int f) { return QString::number(venta(f).folio); },
           [venta](int f) { return QVariant::fromValue<qint64>(venta(f).folio); }, Qt::AlignRight},
          {QStringLiteral("Fecha"), [venta](int f) { return fechaLista(venta(f).fecha); }},
@@ -158,7 +128,8 @@ TVentasF::TVentasF(const Sesion& sesion, const QString& carpetaEstacion, QWidget
          {QStringLiteral("Estado"),
           [venta](int f) { return venta(f).cancelada ? QStringLiteral("CANCELADA") : QString(); },
           [venta](int f) { return venta(f).cancelada; }}},
-        [venta](int f) { return venta(f).cancelada; }, this);
+        this);
+    modelo_->ponCancelado([venta](int f) { return venta(f).cancelada; });
     tabla_ = creaVistaTabla(QStringLiteral("TablaVentas"), modelo_, kAltoRenglon, lista);
     tabla_->setAccessibleName(QStringLiteral("Lista de Ventas"));
     // Anchos fijos: medir el contenido recorrería todas las ventas del periodo.
