@@ -28,6 +28,7 @@
 #include "pantallas/Leyenda.h"
 #include "pantallas/ModeloTabla.h"
 #include "pantallas/Sonidos.h"
+#include "pantallas/TarjetaDatos.h"
 #include "purchasing/CancelacionCompra.h"
 #include "purchasing/ImpresionCompra.h"
 
@@ -184,22 +185,11 @@ TComprasF::TComprasF(const Sesion& sesion, const QString& carpetaEstacion, QWidg
     arriba->addWidget(titulo_, 1);
     arriba->addWidget(estado_);
 
-    auto* tarjeta = new QFrame(documento);
-    ponEstilo(tarjeta, "tarjeta");
-    auto* datos = new QGridLayout(tarjeta);
-    int posicion = 0;
-    auto dato = [&](const QString& texto, const QString& nombre) {
-        QLabel* t = creaEtiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
-        QLabel* v = creaEtiqueta({}, nombre, nullptr, tarjeta);
-        v->setAccessibleName(texto);
-        v->setWordWrap(true);
-        v->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        t->setBuddy(v);
-        datos->addWidget(t, (posicion / 3) * 2, posicion % 3);
-        datos->addWidget(v, (posicion / 3) * 2 + 1, posicion % 3);
-        ++posicion;
-        return v;
+    auto* tarjeta = new TarjetaDatos(documento);
+    auto dato = [tarjeta](const QString& texto, const QString& nombre) {
+        return tarjeta->agrega(texto, nombre);
     };
+
     proveedorDoc_ = dato(QStringLiteral("Proveedor"), QStringLiteral("ProveedorDocumento"));
     fecha_ = dato(QStringLiteral("Fecha"), QStringLiteral("FechaDocumento"));
     usuario_ = dato(QStringLiteral("Elaboró"), QStringLiteral("UsuarioDocumento"));
@@ -207,8 +197,6 @@ TComprasF::TComprasF(const Sesion& sesion, const QString& carpetaEstacion, QWidg
     importes_ = dato(QStringLiteral("Importes"), QStringLiteral("ImportesDocumento"));
     total_ = dato(QStringLiteral("Total"), QStringLiteral("TotalDocumento"));
     ponEstilo(total_, "dato");
-    for (int c = 0; c < 3; ++c)
-        datos->setColumnStretch(c, 1);
 
     auto renglon = [this](int f) -> const RenglonCompra& { return compra_->renglones[size_t(f)]; };
     renglones_ = new ModeloTabla(

@@ -2,7 +2,6 @@
 
 #include <exception>
 
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -20,6 +19,7 @@
 #include "pantallas/Leyenda.h"
 #include "pantallas/ModeloTabla.h"
 #include "pantallas/Sonidos.h"
+#include "pantallas/TarjetaDatos.h"
 #include "printing/ImpresionDocumentos.h"
 #include "sales/CancelacionVenta.h"
 
@@ -52,21 +52,11 @@ TVisorF::TVisorF(const Sesion& sesion, const QString& carpetaEstacion, QWidget* 
     arriba->addWidget(titulo_, 1);
     arriba->addWidget(estado_);
 
-    auto* tarjeta = new QFrame(this);
-    ponEstilo(tarjeta, "tarjeta");
-    auto* rejilla = new QGridLayout(tarjeta);
-    int posicion = 0;
-    auto dato = [&](const QString& texto, const QString& nombre) {
-        QLabel* t = creaEtiqueta(texto, QStringLiteral("Etiqueta") + nombre, "subtitulo", tarjeta);
-        QLabel* v = creaEtiqueta({}, nombre, nullptr, tarjeta);
-        v->setAccessibleName(texto);
-        v->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        t->setBuddy(v);
-        rejilla->addWidget(t, (posicion / 3) * 2, posicion % 3);
-        rejilla->addWidget(v, (posicion / 3) * 2 + 1, posicion % 3);
-        ++posicion;
-        return v;
+    auto* tarjeta = new TarjetaDatos(this);
+    auto dato = [tarjeta](const QString& texto, const QString& nombre) {
+        return tarjeta->agrega(texto, nombre);
     };
+
     cliente_ = dato(QStringLiteral("Cliente"), QStringLiteral("ClienteVisor"));
     fecha_ = dato(QStringLiteral("Fecha"), QStringLiteral("FechaVisor"));
     cajero_ = dato(QStringLiteral("Cajero y Vendedor"), QStringLiteral("CajeroVisor"));
@@ -74,8 +64,6 @@ TVisorF::TVisorF(const Sesion& sesion, const QString& carpetaEstacion, QWidget* 
     importes_ = dato(QStringLiteral("Importes"), QStringLiteral("ImportesVisor"));
     total_ = dato(QStringLiteral("Total"), QStringLiteral("TotalVisor"));
     ponEstilo(total_, "dato");
-    for (int c = 0; c < 3; ++c)
-        rejilla->setColumnStretch(c, 1);
 
     renglones_ = new ModeloTabla(
         {{QStringLiteral("Clave"), [this](int f) { return venta_->renglones[size_t(f)].clave; }},
